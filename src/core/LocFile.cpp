@@ -1,0 +1,167 @@
+#include "LocFile.h"
+
+#include "Archive.h"
+#include "NotificationCenter.h"
+#include "Settings.h"
+
+#include <QFileInfo>
+
+LocFile::LocFile(const QString &path) : m_path(path) {}
+LocFile::~LocFile() = default;
+
+std::shared_ptr<LocFile> LocFile::initWithPath(const QString &path, const OptString &dictionaryPath,
+                                               const OptString &previousPath)
+{
+    const auto kind = HandlerRegistry::kindForPath(path);
+    if (!kind) return nullptr;
+    std::shared_ptr<LocFile> file(new LocFile(path));
+    file->registerMyNotifications();
+    if (ResourceHandler *handler = HandlerRegistry::handler(*kind))
+        handler->extract(*file, dictionaryPath, previousPath);
+    else
+        file->m_initError = QStringLiteral("No reader is available for files of type \"%1\".").arg(QFileInfo(path).suffix());
+    file->setAllEntries(file->m_allEntries);
+    file->searchEntryWithKey(std::nullopt);
+    return file;
+}
+
+std::shared_ptr<LocFile> LocFile::initWithPath(const QString &path, const QString &dictEntry,
+                                               const QString &originalEntry)
+{
+    const QString ext = QFileInfo(path).suffix();
+    if (ext != QLatin1String("nib") && ext != QLatin1String("xib")) return nullptr;
+    std::shared_ptr<LocFile> file(new LocFile(path));
+    if (ResourceHandler *handler = HandlerRegistry::handler(HandlerKind::Nibtool))
+        handler->parseEntries(*file, dictEntry, originalEntry);
+    file->registerMyNotifications();
+    return file;
+}
+
+void LocFile::setEntries(const QList<LocEntryPtr> &entries)
+{
+    m_entries = entries;
+    emit entriesChanged();
+}
+
+void LocFile::setAllEntries(const QList<LocEntryPtr> &entries)
+{
+    m_allEntries = entries;
+    emit allEntriesChanged();
+}
+
+void LocFile::hideEntry(const LocEntry *entry)
+{
+    QList<LocEntryPtr> shown = m_entries;
+    shown.removeIf([entry](const LocEntryPtr &e) { return e.get() == entry; });
+    if (shown.size() != m_entries.size()) setEntries(shown);
+}
+
+StringMap LocFile::makeLocalizedFileAt(const QString &folder)
+{
+    const auto kind = HandlerRegistry::kindForPath(m_path);
+    ResourceHandler *handler = kind ? HandlerRegistry::handler(*kind) : nullptr;
+    return handler ? handler->makeLocalized(*this, folder) : StringMap();
+}
+
+void LocFile::resetEntries()
+{
+    const Settings &settings = Settings::instance();
+    const bool ignoreEmpty = settings.boolValue(SettingsKey::IgnoreEmptyWords);
+    const bool ignoreLocalized = settings.boolValue(SettingsKey::IgnoreLocalizedWords);
+    QList<LocEntryPtr> shown;
+    shown.reserve(m_allEntries.size());
+    for (const LocEntryPtr &e : m_allEntries) {
+        if (ignoreEmpty && StringUtility::wordLength(e->baseWord()) == 0
+            && StringUtility::wordLength(e->localizedWord()) == 0)
+            continue;
+        if (ignoreLocalized && e->isChecked()) continue;
+        shown.append(e);
+    }
+    setEntries(shown);
+}
+
+void LocFile::searchEntryWithKey(const OptString &key)
+{
+    resetEntries();
+    if (!key || key->isEmpty()) return;
+    QList<LocEntryPtr> found;
+    for (const LocEntryPtr &e : std::as_const(m_entries))
+        if (e->entry().contains(*key, Qt::CaseInsensitive)) found.append(e);
+    setEntries(found);
+}
+
+LocEntryPtr LocFile::entryForKey(const OptString &baseWord) const
+{
+    if (!baseWord || baseWord->isEmpty()) return nullptr;
+    for (const LocEntryPtr &e : m_allEntries)
+        if (e->baseWord() == *baseWord) return e;
+    return nullptr;
+}
+
+StringMap LocFile::dictionaryWithEntries() const
+{
+    StringMap map;
+    for (const LocEntryPtr &e : m_allEntries) {
+        const OptString base = e->baseWord();
+        const OptString loc = e->localizedWord();
+        if (base && loc && *base != *loc) map.insert(*base, *loc);
+    }
+    return map;
+}
+
+void LocFile::finishReadingFile()
+{
+    NotificationCenter::instance().postLocFileFinishReadingFile(this);
+}
+
+QString LocFile::fileName() const
+{
+    return QFileInfo(m_path).fileName();
+}
+
+qsizetype LocFile::checkedCount() const
+{
+    return std::count_if(m_allEntries.cbegin(), m_allEntries.cend(), [](const LocEntryPtr &e) { return e->isChecked(); });
+}
+
+EntryColor LocFile::color() const
+{
+    for (const LocEntryPtr &e : m_allEntries)
+        if (!e->isChecked()) return EntryColor::Red;
+    return EntryColor::Black;
+}
+
+QString LocFile::status() const
+{
+    return QStringLiteral("%1/%2").arg(checkedCount()).arg(m_allEntries.size());
+}
+
+void LocFile::encodeWithCoder(QDataStream &out) const
+{
+    Archive::writeClass(out, QStringLiteral("LocFile"), classVersion);
+    Archive::writeString(out, m_path);
+    Archive::writeCount(out, m_allEntries.size());
+    for (const LocEntryPtr &e : m_allEntries) e->encodeWithCoder(out);
+}
+
+std::shared_ptr<LocFile> LocFile::initWithCoder(QDataStream &in)
+{
+    if (!Archive::readClass(in, QStringLiteral("LocFile"), classVersion)) return nullptr;
+    const auto path = Archive::readString(in);
+    if (!path) return nullptr;
+    // An archived entry takes at least its class header, text length and mark.
+    const auto count = Archive::readCount(in, 16);
+    if (!count) return nullptr;
+    std::shared_ptr<LocFile> file(new LocFile(*path));
+    QList<LocEntryPtr> entries;
+    entries.reserve(*count);
+    for (qsizetype i = 0; i < *count; ++i) {
+        LocEntryPtr e = LocEntry::initWithCoder(in);
+        if (!e) return nullptr;
+        entries.append(e);
+    }
+    file->m_allEntries = entries;
+    file->searchEntryWithKey(std::nullopt);
+    file->registerMyNotifications();
+    return file;
+}

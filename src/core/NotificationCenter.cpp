@@ -1,0 +1,7 @@
+#include "NotificationCenter.h"
+
+NotificationCenter &NotificationCenter::instance()
+{
+    static NotificationCenter center;
+    return center;
+}

@@ -1,0 +1,96 @@
+#include "StringUtility.h"
+
+#include <QFile>
+#include <QStringDecoder>
+
+namespace StringUtility {
+
+OptString substringFrom(const QString &text, const QString &open, const QString &close)
+{
+    const qsizetype at = text.indexOf(open, 0, Qt::CaseInsensitive);
+    if (at < 0) return std::nullopt;
+    const qsizetype start = at + open.size();
+    if (start >= text.size()) return std::nullopt;
+    const qsizetype end = text.indexOf(close, start, Qt::CaseInsensitive);
+    if (end < 0 || end == start) return std::nullopt;
+    return text.mid(start, end - start);
+}
+
+OptString substringFrom(const QString &text, const QString &open, const QString &close, qsizetype start,
+                        qsizetype length)
+{
+    if (start < 0 || length < 0 || start + length > text.size()) return std::nullopt;
+    const qsizetype at = QStringView(text).mid(start, length).indexOf(open, 0, Qt::CaseInsensitive);
+    if (at < 0) return std::nullopt;
+    const qsizetype from = start + at + open.size();
+    const qsizetype end = text.indexOf(close, from, Qt::CaseInsensitive);
+    if (end < 0 || end == from) return std::nullopt;
+    return text.mid(from, end - from);
+}
+
+OptString substringFrom(const QString &text, const QString &delimiter)
+{
+    const qsizetype at = text.indexOf(delimiter, 0, Qt::CaseInsensitive);
+    if (at < 0) return std::nullopt;
+    const qsizetype start = at + delimiter.size();
+    if (start >= text.size()) return std::nullopt;
+    return text.mid(start);
+}
+
+OptString substringTo(const QString &text, const QString &delimiter)
+{
+    const qsizetype at = text.indexOf(delimiter, 0, Qt::CaseInsensitive);
+    if (at <= 0) return std::nullopt;
+    return text.left(at);
+}
+
+QString replaceStringFrom(const QString &text, const QString &target, const QString &replacement)
+{
+    if (target.isEmpty()) return text;
+    // QString::replace scans left to right without overlap, which is the rule.
+    QString result = text;
+    return result.replace(target, replacement, Qt::CaseSensitive);
+}
+
+QString removeString(const QString &text, const QString &target)
+{
+    return replaceStringFrom(text, target, QString());
+}
+
+QString replaceReturnCode(const QString &text)
+{
+    return replaceStringFrom(replaceStringFrom(text, QStringLiteral("\r\n"), QStringLiteral("\n")),
+                             QStringLiteral("\r"), QStringLiteral("\n"));
+}
+
+QString escapeForStringsFile(const QString &text)
+{
+    // Order matters: unescaping quotes before escaping them makes the quoting idempotent.
+    QString s = replaceStringFrom(text, QStringLiteral("\\\\"), QStringLiteral("\\"));
+    s = replaceStringFrom(s, QStringLiteral("\\\""), QStringLiteral("\""));
+    s = replaceStringFrom(s, QStringLiteral("\""), QStringLiteral("\\\""));
+    s = replaceStringFrom(s, QStringLiteral("\\;"), QStringLiteral(";"));
+    s = replaceStringFrom(s, QStringLiteral("\\\\n"), QStringLiteral("\n"));
+    return s;
+}
+
+OptString stringFromUTF16DataFilePath(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+    const QByteArray bytes = file.readAll();
+    auto encoding = QStringConverter::Utf16LE;
+    qsizetype skip = 0;
+    if (bytes.startsWith("\xFE\xFF")) {
+        encoding = QStringConverter::Utf16BE;
+        skip = 2;
+    } else if (bytes.startsWith("\xFF\xFE")) {
+        skip = 2;
+    }
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+    QString text = decoder.decode(QByteArrayView(bytes).sliced(skip));
+    if (decoder.hasError() || (bytes.size() - skip) % 2 != 0) return std::nullopt;
+    return text;
+}
+
+}  // namespace StringUtility

@@ -1,0 +1,31 @@
+#pragma once
+// Reading whole string tables ("key" = "value"; with comments and backslash escapes) into maps.
+// All-or-nothing: a table that breaks the syntax anywhere gives no map, never a partial one.
+
+#include "StringMap.h"
+
+#include <QByteArray>
+#include <QStringView>
+#include <optional>
+
+namespace StringsTable {
+
+struct Error {
+    qsizetype line = 0;  // 1-based; 0 when the error is not tied to a place
+    QString message;
+};
+
+// The grammar on decoded text. Keys repeat: the last value wins, the first place stays.
+std::optional<StringMap> parse(QStringView text, Error *error = nullptr);
+
+// Bytes as they come from a file: UTF-16 by byte-order mark, otherwise UTF-8 (a UTF-8 mark is
+// skipped). Property lists whose root is a dictionary of strings (XML, binary, or the braced
+// text form) are read as their map too: built applications carry string tables in binary form.
+std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullptr);
+
+}  // namespace StringsTable
+
+// Nothing for a missing file, a syntax error or undecodable bytes.
+std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path);
+// The same, with the reason when there is no map.
+std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error);
