@@ -1,0 +1,24 @@
+#pragma once
+// vocabrix-cli subcommands. Each lives in its own source file and registers itself with a
+// static CommandRegistration, so adding one touches nothing else.
+
+#include <QStringList>
+#include <QTextStream>
+#include <functional>
+
+struct Command {
+    QString name;
+    QString synopsis;     // "strings FILE"
+    QString description;  // a few lines for --help
+    // Arguments after the subcommand's name; returns the process exit status.
+    std::function<int(const QStringList &args, QTextStream &out, QTextStream &err)> run;
+};
+
+QList<Command> &commands();
+
+struct CommandRegistration {
+    explicit CommandRegistration(Command c) { commands().append(std::move(c)); }
+};
+
+// JSON text of a string, quotes included.
+QString jsonString(const QString &s);
