@@ -1,6 +1,8 @@
 #pragma once
-// Property-list values and the readers/writer behind one small API.
-// XML, binary ("bplist00") and OpenStep text lists are read; XML is written.
+// Property-list values and the readers/writers behind one small API.
+// XML, binary ("bplist00") and OpenStep text lists are read; XML is written (binary too, for
+// tools and benchmarks that need a compiled list). Every reader bounds nesting (MaxDepth), never
+// trusts a count beyond what the bytes can hold, and reports malformed input as an error text.
 
 #include <QByteArray>
 #include <QDateTime>
@@ -19,15 +21,18 @@ using Dictionary = QList<QPair<QString, Value>>;
 enum class Type { String, Integer, Real, Boolean, Date, Data, Array, Dictionary };
 enum class Format { Xml, Binary, OpenStep };
 
+// Deeper nesting than this is refused by every reader: real lists stay far below it.
+inline constexpr int MaxDepth = 512;
+
 class Value {
 public:
     Value();  // the empty string
     static Value fromString(const QString &s);
     static Value fromInteger(qint64 i);
-    static Value fromUnsigned(quint64 u);
+    static Value fromUnsigned(quint64 u);  // flagged unsigned only above INT64_MAX
     static Value fromReal(double d);
     static Value fromBoolean(bool b);
-    static Value fromDate(const QDateTime &d);
+    static Value fromDate(const QDateTime &d);  // kept in UTC
     static Value fromData(const QByteArray &d);
     static Value fromArray(const Array &a);
     static Value fromDictionary(const Dictionary &d);
@@ -40,6 +45,7 @@ public:
     const QString &string() const { return m_string; }
     qint64 integer() const { return m_integer; }
     bool isUnsigned() const { return m_unsigned; }  // integers above INT64_MAX
+    quint64 unsignedInteger() const { return quint64(m_integer); }
     double real() const { return m_real; }
     bool boolean() const { return m_integer != 0; }
     const QDateTime &date() const { return m_date; }
@@ -53,6 +59,7 @@ public:
     // Value for a key of a dictionary (the last one when a key repeats), or nullptr.
     const Value *find(const QString &key) const;
 
+    // Same type and same content; reals compare by value, except that NaN equals NaN.
     bool operator==(const Value &o) const;
     bool operator!=(const Value &o) const { return !(*this == o); }
 
@@ -82,6 +89,18 @@ ReadResult readFile(const QString &path);
 QByteArray toXml(const Value &root);
 // Written atomically; false (with a reason) when it could not be written.
 bool writeXmlFile(const QString &path, const Value &root, QString *error = nullptr);
+
+// The binary "bplist00" form. Dictionaries of the single key "CF$UID" holding an integer are
+// written as UID objects, the way the reader maps them, so keyed archives survive a round trip.
+QByteArray toBinary(const Value &root);
+
+// A JSON rendering for the command line: strings and containers as JSON strings, arrays and
+// objects (keys in the list's order), every other scalar tagged, e.g. {"integer": 5},
+// {"real": 1.5}, {"bool": true}, {"date": "2001-01-01T00:00:00Z"}, {"data": "<base64>"}.
+QByteArray toJson(const Value &root);
+
+// "XML", "binary" or "OpenStep", for messages.
+QString formatName(Format format);
 
 // A property list whose root is a dictionary of strings, as a string table would read it.
 // None when the bytes are no property list, the root is no dictionary, or a value is no string.

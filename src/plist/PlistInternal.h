@@ -1,0 +1,31 @@
+#pragma once
+// Pieces shared by the readers and writers of src/plist; not part of the public API.
+
+#include "PropertyList.h"
+
+#include <QStringView>
+
+namespace plist::detail {
+
+// Each reader gets the whole input and returns a value or an error prefixed with its form.
+ReadResult readXml(const QByteArray &data);
+ReadResult readBinary(const QByteArray &data);
+ReadResult readOpenStep(const QByteArray &data);
+
+// Binary lists count dates in seconds from this instant.
+QDateTime referenceDate();
+
+// Text of a date as Apple writes it, whole seconds in UTC: "2001-01-01T00:00:00Z".
+QByteArray isoDate(const QDateTime &d);
+
+// Shortest text that reads back as the same double; what Apple writes for infinities and NaN.
+QByteArray realText(double d, bool shortest);
+
+// Line number (1-based) of a position in text, counting LF, CR LF and lone CR as line ends.
+int lineAt(QStringView text, qsizetype pos);
+
+// Text of a byte stream: UTF-16 when it starts with a byte-order mark, UTF-8 when valid (BOM
+// skipped), else Mac OS Roman, the encoding old Mac text files were written in.
+QString decodeText(const QByteArray &data);
+
+}  // namespace plist::detail
