@@ -18,6 +18,6 @@ QString escapeWord(const QString &word);
 
 QString stringsFileStyleString(const StringMap &map);
 QByteArray stringsFileStyleData(const StringMap &map);
-// With `atomically` the bytes go through a temporary file in the same folder that then replaces
-// the target (QSaveFile). False, with a reason in `error`, when the file could not be written.
+// Always written atomically: the bytes go through a temporary file in the same folder that then
+// replaces the target (QSaveFile). False, with a reason in `error`, when it could not be written.
 bool writeToStringsFile(const StringMap &map, const QString &path, bool atomically, QString *error = nullptr);

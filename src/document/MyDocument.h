@@ -139,7 +139,8 @@ public:
     QList<LocFilePtr> addFiles(const QStringList &paths);
     // As addFiles, with the previous versions given instead of asked (none: no previous version).
     QList<LocFilePtr> addFiles(const QList<QPair<QString, OptString>> &pathsWithPrevious);
-    // One LocFile appended to files; none (nothing added) for a type no handler serves.
+    // One LocFile appended to files; none (nothing added) for a type no handler serves. The new
+    // list is announced by the caller (addFiles, once at its end).
     LocFilePtr addFile(const QString &path, const OptString &previousPath);
     // The previous-version panel for a file or bundle: the chosen path, or none.
     OptString selectPreviousVersionFile(const QString &path);
@@ -183,9 +184,10 @@ signals:
     void progress(int done, int total);
 
 private:
-    friend class DocumentArchive;
     // Builds the export destination for a chosen path: the path itself, or inside a bundle the
     // found or created language folder; `existing` tells whether a language folder was found.
+    // Previous versions given (outer optional set) or asked for in the panel (unset).
+    QList<LocFilePtr> addPaths(const QList<QPair<QString, std::optional<OptString>>> &paths);
     QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName) const;
     ExportResult writeLocalizedFiles(const QList<LocFilePtr> &files, const QString &folder);
 

@@ -16,9 +16,9 @@ public:
     // Reads the bundle extensions from the BundleTypes resource (once, at start).
     void awakeFromNib();
 
-    // Path extensions (without dots) of application-like bundles; empty until awakeFromNib or
-    // when the resource cannot be read.
-    const QStringList &bundleFileTypes() const { return m_bundleFileTypes; }
+    // Path extensions (without dots) of application-like bundles; empty when the resource cannot
+    // be read. Read on first use when awakeFromNib has not run (headless programs).
+    const QStringList &bundleFileTypes();
     // The dictionary file of a language pair, in the dictionary folder (which may be created
     // here); never creates the file itself.
     QString dictionaryPathrForBase(const QString &baseKey, const QString &targetKey) const;
@@ -31,6 +31,7 @@ public:
 private:
     VXControllerModel() = default;
     QStringList m_bundleFileTypes;
+    bool m_awake = false;
 };
 
 // "nib", "xib", "strings", "plist", then the bundle extensions: a new list at each call.

@@ -1,0 +1,176 @@
+// MyDocument: export of localized files into a folder or a bundle's language folder, and the
+// merge of their pairs into the dictionary of the language pair.
+#include "MyDocument.h"
+
+#include "Dialogs.h"
+#include "LocalizedText.h"
+#include "VXControllerModel.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+const QString overwriteKey = QStringLiteral(
+    "There is a -name- folder in the package you've chosen and Vocabrix may be going to overwrite resources.");
+
+// The key has no placeholder; its translations carry %1 where the key says -name-.
+QString overwriteMessage(const QString &folderName)
+{
+    const QString text = localizedString(overwriteKey);
+    if (text.contains(QLatin1String("%1"))) return text.arg(folderName);
+    return QString(text).replace(QLatin1String("-name-"), folderName);
+}
+
+QString quoted(const QString &s)
+{
+    return QStringLiteral("\u201C%1\u201D").arg(s);
+}
+
+}  // namespace
+
+ExportResult MyDocument::makeLocalizedFilesAction(const QList<LocFilePtr> &selected)
+{
+    // The file table's selection, in table order: nothing selected exports nothing.
+    return makeLocalizedFiles(selected);
+}
+
+ExportResult MyDocument::makeLocalizedFiles(const QList<LocFilePtr> &files)
+{
+    ExportResult nothing;
+    nothing.cancelled = true;
+    if (files.isEmpty()) return nothing;
+    // From a file in a base-language folder, two levels up is the folder of the language folders.
+    QDir start = QFileInfo(files.first()->path()).dir();
+    start.cdUp();
+    const OptString folder = selectLocalizedFolder(start.path());
+    if (!folder || folder->isEmpty()) return nothing;
+    return writeLocalizedFiles(files, *folder);
+}
+
+ExportResult MyDocument::makeLocalizedFilesInto(const QList<LocFilePtr> &files, const QString &destination,
+                                                bool overwrite, QString *refusal)
+{
+    ExportResult nothing;
+    nothing.cancelled = true;
+    if (files.isEmpty()) {
+        if (refusal) *refusal = QStringLiteral("There is no file to export.");
+        return nothing;
+    }
+    QString folder = QDir::cleanPath(destination);
+    if (isBundlePath(folder, VXControllerModel::readBundleTypes())) {
+        bool existing = false;
+        QString existingName;
+        folder = destinationInBundle(folder, &existing, &existingName);
+        if (folder.isEmpty()) {
+            if (refusal) *refusal = QStringLiteral("The target language of the document is not in the language table.");
+            return nothing;
+        }
+        if (existing && !overwrite) {
+            if (refusal) *refusal = overwriteMessage(existingName);
+            return nothing;
+        }
+    } else if (!QFileInfo(folder).isDir() && !QDir().mkpath(folder)) {
+        if (refusal) *refusal = QStringLiteral("The folder %1 could not be created.").arg(quoted(folder));
+        return nothing;
+    }
+    return writeLocalizedFiles(files, folder);
+}
+
+QString MyDocument::destinationInBundle(const QString &bundle, bool *existing, QString *existingName) const
+{
+    const QString resources = QDir(bundle).filePath(QStringLiteral("Contents/Resources"));
+    const OptString key = targetFolderName();
+    const OptString abbreviation = targetLanguageAbbreviation();
+    *existing = true;
+    if (key && QFileInfo::exists(resources + u'/' + *key)) {
+        *existingName = *key;
+    } else if (abbreviation && QFileInfo::exists(QStringLiteral("%1/%2.lproj").arg(resources, *abbreviation))) {
+        *existingName = *abbreviation + QLatin1String(".lproj");
+    } else {
+        *existing = false;
+        if (!key) return QString();
+        // Not checked: a bundle without Contents/Resources shows as files that could not be written.
+        QDir(resources).mkdir(*key);
+        return resources + u'/' + *key;
+    }
+    return resources + u'/' + *existingName;
+}
+
+OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
+{
+    QString startFolder = QDir::homePath();
+    if (startPath) {
+        const OptString target = targetFolderName();
+        const QString candidate = target ? QDir(*startPath).filePath(*target) : QString();
+        startFolder = !candidate.isEmpty() && QFileInfo(candidate).isDir() ? candidate : QString();
+    }
+    const QStringList bundles = VXControllerModel::readBundleTypes();
+    OpenPanelOptions options;
+    options.message = localizedString(QStringLiteral("Select folder to save localized files"));
+    options.prompt = localizedString(QStringLiteral("Export"));
+    options.startFolder = startFolder;
+    options.allowsMultipleSelection = false;
+    options.canChooseDirectories = true;
+    options.canChooseFiles = true;
+    options.allowedExtensions = bundles;
+    options.bundleExtensions = bundles;
+    options.canCreateDirectories = true;
+
+    // "Cancel" in the warning shows the panel again, until a folder is taken or the panel cancelled.
+    for (;;) {
+        const QStringList chosen = dialogs().runOpenPanel(options);
+        if (chosen.isEmpty()) return std::nullopt;
+        const QString path = QDir::cleanPath(chosen.first());
+        if (!isBundlePath(path, bundles)) return path;
+        bool existing = false;
+        QString existingName;
+        const QString folder = destinationInBundle(path, &existing, &existingName);
+        if (folder.isEmpty()) return std::nullopt;
+        if (!existing) return folder;
+        Alert alert;
+        alert.title = localizedString(QStringLiteral("Vocabrix may overrite resources"));
+        alert.message = overwriteMessage(existingName);
+        alert.buttons = QStringList{localizedString(QStringLiteral("OK")), localizedString(QStringLiteral("Cancel"))};
+        alert.style = AlertStyle::Warning;
+        if (dialogs().runAlert(alert) == 0) return folder;
+    }
+}
+
+ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, const QString &folder)
+{
+    ExportResult result;
+    result.folder = folder;
+    setLoadingFiles(true);
+    int done = 0;
+    for (const LocFilePtr &file : files) {
+        // A later file's word replaces an earlier one's for the same base word.
+        result.pairs.insertAll(file->makeLocalizedFileAt(folder));
+        const QString output = QDir(folder).filePath(QFileInfo(file->path()).fileName());
+        (QFileInfo::exists(output) ? result.written : result.failed).append(output);
+        emit progress(++done, int(files.size()));
+    }
+    result.merge = saveDictionary(result.pairs);
+    dialogs().revealInFileManager(folder);
+    setLoadingFiles(false);
+    saveSpellCheck();
+
+    // Beyond the fixed alerts, nothing may go wrong unseen: files not written, a dictionary that
+    // could not be read or written.
+    QStringList problems;
+    if (!result.failed.isEmpty()) {
+        QStringList names;
+        for (const QString &path : std::as_const(result.failed)) names.append(quoted(QFileInfo(path).fileName()));
+        problems.append(QStringLiteral("These files could not be written into %1: %2.")
+                            .arg(quoted(QDir::toNativeSeparators(folder)), names.join(QLatin1String(", "))));
+    }
+    if (!result.merge.message.isEmpty()) problems.append(result.merge.message);
+    if (!problems.isEmpty()) {
+        Alert alert;
+        alert.title = localizedString(QStringLiteral("Export finished with problems"));
+        alert.message = problems.join(u'\n');
+        alert.buttons = QStringList{localizedString(QStringLiteral("OK"))};
+        dialogs().showAlertSheet(alert);
+    }
+    return result;
+}

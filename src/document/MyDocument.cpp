@@ -1,0 +1,154 @@
+#include "MyDocument.h"
+
+#include "Dialogs.h"
+#include "NotificationCenter.h"
+#include "Settings.h"
+#include "VXControllerModel.h"
+
+#include <QFileInfo>
+
+MyDocument::MyDocument(QObject *parent) : QObject(parent)
+{
+    VXControllerModel::initialize();
+    m_title = QStringLiteral("Title");
+    const Settings &settings = Settings::instance();
+    m_locLangFrom = settings.intValue(SettingsKey::BaseLanguage);
+    m_locLangTo = settings.intValue(SettingsKey::TargetLanguage);
+    registerMyNotifications();
+}
+
+// Connections made with `this` as context end with the document: that is the whole of dealloc's
+// work of stopping the observations.
+MyDocument::~MyDocument() = default;
+
+QString MyDocument::documentExtension()
+{
+    return QStringLiteral("vocabrix");
+}
+
+QString MyDocument::documentMimeType()
+{
+    return QStringLiteral("application/x-vocabrix-document");
+}
+
+QString MyDocument::documentTypeName()
+{
+    return QStringLiteral("Vocabrix Document");
+}
+
+void MyDocument::setTitle(const QString &title)
+{
+    if (title == m_title) return;
+    m_title = title;
+    emit titleChanged();
+}
+
+void MyDocument::setLocLangFrom(int tag)
+{
+    if (tag == m_locLangFrom) return;
+    m_locLangFrom = tag;
+    emit locLangFromChanged();
+}
+
+void MyDocument::setLocLangTo(int tag)
+{
+    if (tag == m_locLangTo) return;
+    m_locLangTo = tag;
+    emit locLangToChanged();
+}
+
+void MyDocument::setFiles(const QList<LocFilePtr> &files)
+{
+    m_files = files;
+    emit filesChanged();
+}
+
+void MyDocument::setLoadingFiles(bool on)
+{
+    if (on == m_loadingFiles) return;
+    m_loadingFiles = on;
+    emit loadingFilesChanged(on);
+}
+
+QString MyDocument::displayName() const
+{
+    return m_filePath.isEmpty() ? QStringLiteral("Untitled") : QFileInfo(m_filePath).fileName();
+}
+
+void MyDocument::update()
+{
+    updateChangeCount(ChangeDone);
+}
+
+void MyDocument::updateChangeCount(ChangeType change)
+{
+    const bool wasEdited = isDocumentEdited();
+    switch (change) {
+    case ChangeDone: ++m_changeCount; break;
+    case ChangeUndone: --m_changeCount; break;
+    case ChangeCleared: m_changeCount = 0; break;
+    }
+    if (wasEdited != isDocumentEdited()) emit documentEditedChanged(isDocumentEdited());
+}
+
+void MyDocument::registerMyNotifications()
+{
+    NotificationCenter &center = NotificationCenter::instance();
+    connect(&center, &NotificationCenter::documentHasChanged, this, [this](QObject *document) {
+        if (document == this) update();
+    });
+    connect(&center, &NotificationCenter::locEntryHasModified, this, &MyDocument::entryModified);
+    Settings &settings = Settings::instance();
+    connect(&settings, &Settings::ignoreEmptyWordsChanged, this,
+            [this] { observeValueForKeyPath(SettingsKey::IgnoreEmptyWords); });
+    connect(&settings, &Settings::ignoreLocalizedWordsChanged, this,
+            [this] { observeValueForKeyPath(SettingsKey::IgnoreLocalizedWords); });
+    connect(this, &MyDocument::locLangFromChanged, this, [this] { observeValueForKeyPath(QStringLiteral("locLangFrom")); });
+    connect(this, &MyDocument::locLangToChanged, this, [this] { observeValueForKeyPath(QStringLiteral("locLangTo")); });
+}
+
+void MyDocument::observeValueForKeyPath(const QString &key)
+{
+    if (key == SettingsKey::IgnoreEmptyWords || key == SettingsKey::IgnoreLocalizedWords)
+        search(m_searchText);
+    else if (key == QLatin1String("locLangFrom") || key == QLatin1String("locLangTo"))
+        resetDictionaryPath();
+}
+
+void MyDocument::search(const OptString &text)
+{
+    m_searchText = text;
+    for (const LocFilePtr &file : std::as_const(m_files)) file->searchEntryWithKey(text);
+    emit searchPerformed();
+}
+
+void MyDocument::switchButton(const LocEntryPtr &entry, bool check)
+{
+    if (entry) entry->setCheck(check);
+    update();
+}
+
+void MyDocument::checkLocalized(const QList<LocEntryPtr> &selected)
+{
+    for (const LocEntryPtr &entry : selected)
+        if (entry) entry->setCheck(true);
+}
+
+void MyDocument::removeFiles(const QList<LocFilePtr> &files)
+{
+    QList<LocFilePtr> kept = m_files;
+    kept.removeIf([&files](const LocFilePtr &f) { return files.contains(f); });
+    setFiles(kept);
+    update();
+}
+
+void MyDocument::saveSpellCheck()
+{
+    if (!m_spellCheck) return;
+    Settings::instance().setValue(SettingsKey::ContinuousSpellCheckingEnabled, *m_spellCheck);
+}
+
+Dialogs &MyDocument::dialogs() const
+{
+    return m_dialogs ? *m_dialogs : Dialogs::silent();
+}
