@@ -64,6 +64,11 @@ void Settings::remove(const QString &key)
     announce(key);
 }
 
+void Settings::synchronize()
+{
+    m_store->sync();
+}
+
 void Settings::announce(const QString &key)
 {
     emit valueChanged(key);

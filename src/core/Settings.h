@@ -41,6 +41,8 @@ public:
     int intValue(const QString &key) const { return value(key).toInt(); }
     void setValue(const QString &key, const QVariant &value);
     void remove(const QString &key);
+    // Writes pending changes to disk now (a value that must survive a crash right after).
+    void synchronize();
 
 signals:
     void valueChanged(const QString &key);
