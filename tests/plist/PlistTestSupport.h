@@ -1,0 +1,80 @@
+#pragma once
+// Helpers of the property-list tests: fixture files, and binary lists assembled byte by byte so
+// the reader is checked against hand-made input rather than against our own writer.
+
+#include "PropertyList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QList>
+#include <QString>
+
+namespace PlistTest {
+
+inline QString dataPath(const QString &name)
+{
+    return QStringLiteral(PLIST_TEST_DATA "/") + name;
+}
+
+inline QByteArray readBytes(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The shared corpus folder, or empty when it is absent.
+inline QString corpusDir()
+{
+    QString dir = qEnvironmentVariable("VOCABRIX_CORPUS");
+    if (dir.isEmpty())
+        dir = QStringLiteral(PLIST_TEST_SOURCE_ROOT "/../shared/corpus");
+    return QDir(dir).exists() ? QDir(dir).canonicalPath() : QString();
+}
+
+// A "bplist00" file from objects given in hex ("A2 01 02"). References are one byte, offsets are
+// computed, and every trailer field can be overridden to make an inconsistent file.
+struct BinaryBuilder {
+    QList<QByteArray> objects;
+    int offsetSize = 1;
+    int refSize = 1;
+    qint64 objectCount = -1;   // default: objects.size()
+    qint64 topObject = 0;
+    qint64 tableOffset = -1;   // default: where the table really is
+    QList<quint64> offsetOverrides;  // replaces the computed offsets when not empty
+
+    BinaryBuilder &add(const char *hex)
+    {
+        objects.append(QByteArray::fromHex(hex));
+        return *this;
+    }
+
+    static void big(QByteArray &out, quint64 v, int size)
+    {
+        for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
+            out.append(char((v >> shift) & 0xFF));
+    }
+
+    QByteArray build() const
+    {
+        QByteArray out("bplist00");
+        QList<quint64> offsets;
+        for (const QByteArray &o : objects) {
+            offsets.append(quint64(out.size()));
+            out.append(o);
+        }
+        if (!offsetOverrides.isEmpty())
+            offsets = offsetOverrides;
+        const quint64 table = quint64(out.size());
+        for (quint64 off : offsets)
+            big(out, off, offsetSize);
+        out.append(6, '\0');
+        out.append(char(offsetSize));
+        out.append(char(refSize));
+        big(out, objectCount < 0 ? quint64(offsets.size()) : quint64(objectCount), 8);
+        big(out, quint64(topObject), 8);
+        big(out, tableOffset < 0 ? table : quint64(tableOffset), 8);
+        return out;
+    }
+};
+
+}  // namespace PlistTest

@@ -1,0 +1,235 @@
+// Reading the three forms: hand-made fixtures under data/read (each input beside the JSON it must
+// give), binary object kinds assembled byte by byte, form detection and the string-table view.
+#include "PlistTestSupport.h"
+
+#include <QDirIterator>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+using namespace plist;
+using PlistTest::BinaryBuilder;
+
+class ReaderTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void fixtures_data();
+    void fixtures();
+    void binaryObjectKinds();
+    void binarySharedObjectsAreNoCycle();
+    void binaryWideOffsetsAndReferences();
+    void formDetection_data();
+    void formDetection();
+    void stringDictionary();
+    void stringDictionaryRefusals_data();
+    void stringDictionaryRefusals();
+    void files();
+};
+
+void ReaderTest::fixtures_data()
+{
+    QTest::addColumn<QString>("input");
+    QTest::addColumn<QString>("expectedJson");
+    QDirIterator it(PlistTest::dataPath(QStringLiteral("read")), {QStringLiteral("*.json")});
+    int rows = 0;
+    while (it.hasNext()) {
+        const QString json = it.next();
+        const QString stem = json.chopped(5);
+        const QString input = QFile::exists(stem + QStringLiteral(".plist")) ? stem + QStringLiteral(".plist")
+                                                                             : stem + QStringLiteral(".bplist");
+        QTest::newRow(qPrintable(QFileInfo(stem).fileName())) << input << json;
+        ++rows;
+    }
+    QVERIFY2(rows >= 6, "the fixtures under data/read are missing");
+}
+
+// File names start with the form they are in: "xml-", "binary-" or "openstep-".
+void ReaderTest::fixtures()
+{
+    QFETCH(QString, input);
+    QFETCH(QString, expectedJson);
+    const ReadResult r = readFile(input);
+    QVERIFY2(r.value, qPrintable(r.error));
+    QVERIFY(r.error.isEmpty());
+    const QString name = QFileInfo(input).fileName();
+    const Format expected = name.startsWith(u"xml") ? Format::Xml
+        : name.startsWith(u"binary")                ? Format::Binary
+                                                    : Format::OpenStep;
+    QCOMPARE(formatName(r.format), formatName(expected));
+    QCOMPARE(QString::fromUtf8(toJson(*r.value)), QString::fromUtf8(PlistTest::readBytes(expectedJson)));
+}
+
+void ReaderTest::binaryObjectKinds()
+{
+    BinaryBuilder b;
+    b.add("A6 01 02 03 04 05 06")                  // array of the six objects below
+        .add("22 3FC00000")                         // 4-byte real 1.5
+        .add("C2 07 07")                            // set, read as an array
+        .add("B1 07")                               // ordered set, read as an array
+        .add("14 FFFFFFFFFFFFFFFF FFFFFFFFFFFFFFFE") // 16-byte integer -2
+        .add("11 0102")                             // 2-byte integer 258
+        .add("5F 10 10 6162636465666768696a6b6c6d6e6f70")  // 16 ASCII characters, long count
+        .add("51 73")                               // "s"
+        .add("83 00010000")                         // UID 65536
+        .add("62 D83D DE00")                        // UTF-16 string of one surrogate pair
+        .add("33 C0F5180800000000");                // date: 86400.5 s before 2001
+    const Value s = Value::fromString(QStringLiteral("s"));
+    const Array expected{Value::fromReal(1.5),
+                         Value::fromArray({s, s}),
+                         Value::fromArray({s}),
+                         Value::fromInteger(-2),
+                         Value::fromInteger(258),
+                         Value::fromString(QStringLiteral("abcdefghijklmnop"))};
+    ReadResult r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    QCOMPARE(r.format, Format::Binary);
+    QVERIFY(*r.value == Value::fromArray(expected));
+
+    b.topObject = 8;
+    r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    QVERIFY(*r.value == Value::fromDictionary({{QStringLiteral("CF$UID"), Value::fromInteger(65536)}}));
+
+    b.topObject = 9;
+    r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    QCOMPARE(r.value->string(), QStringLiteral("\U0001F600"));
+
+    b.topObject = 10;
+    r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    QCOMPARE(r.value->type(), Type::Date);
+    QCOMPARE(r.value->date(), QDateTime(QDate(2000, 12, 30), QTime(23, 59, 59, 500), QTimeZone::utc()));
+}
+
+// Apple's writer stores equal values once; two references to one object are fine.
+void ReaderTest::binarySharedObjectsAreNoCycle()
+{
+    BinaryBuilder b;
+    b.add("A2 01 01").add("D1 02 03").add("51 6B").add("51 76");
+    const ReadResult r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    const Value entry = Value::fromDictionary({{QStringLiteral("k"), Value::fromString(QStringLiteral("v"))}});
+    QVERIFY(*r.value == Value::fromArray({entry, entry}));
+}
+
+void ReaderTest::binaryWideOffsetsAndReferences()
+{
+    BinaryBuilder b;
+    b.offsetSize = 2;
+    b.refSize = 2;
+    b.add("A2 0001 0001").add("51 78");
+    const ReadResult r = read(b.build());
+    QVERIFY2(r.value, qPrintable(r.error));
+    const Value x = Value::fromString(QStringLiteral("x"));
+    QVERIFY(*r.value == Value::fromArray({x, x}));
+}
+
+void ReaderTest::formDetection_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<Format>("format");
+    QTest::addColumn<QString>("json");
+
+    QTest::newRow("xml without <plist> wrapper")
+        << QByteArray("<array><string>a</string></array>") << Format::Xml << QStringLiteral("[\n  \"a\"\n]\n");
+    QTest::newRow("xml after blank lines")
+        << QByteArray("\n  <?xml version=\"1.0\"?>\n<plist><true/></plist>") << Format::Xml
+        << QStringLiteral("{\"bool\": true}\n");
+    const QString utf16Text = QStringLiteral("<plist><string>\u00e9</string></plist>");
+    QByteArray utf16le(reinterpret_cast<const char *>(utf16Text.utf16()), utf16Text.size() * 2);
+    QTest::newRow("utf-16 xml without byte-order mark") << utf16le << Format::Xml << QStringLiteral("\"\u00e9\"\n");
+    QTest::newRow("xml with CR line ends inside a key")
+        << QByteArray("<plist>\r<dict>\r<key>a\rb</key>\r<string>x</string>\r</dict>\r</plist>\r") << Format::Xml
+        << QStringLiteral("{\n  \"a\\rb\": \"x\"\n}\n");
+    QTest::newRow("xml keeps control characters as Apple writes them")
+        << QByteArray("<plist><string>\x1b""esc</string></plist>") << Format::Xml << QStringLiteral("\"\\u001besc\"\n");
+    QTest::newRow("openstep array after a comment")
+        << QByteArray("/* c */ (a, b)") << Format::OpenStep << QStringLiteral("[\n  \"a\",\n  \"b\"\n]\n");
+    QTest::newRow("openstep in Mac Roman")
+        << QByteArray("{ k = \"caf\x8e\"; }") << Format::OpenStep << QStringLiteral("{\n  \"k\": \"caf\u00e9\"\n}\n");
+    QTest::newRow("openstep with UTF-8 byte-order mark")
+        << QByteArray("\xEF\xBB\xBF{ k = v; }") << Format::OpenStep << QStringLiteral("{\n  \"k\": \"v\"\n}\n");
+}
+
+void ReaderTest::formDetection()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(Format, format);
+    QFETCH(QString, json);
+    const ReadResult r = read(bytes);
+    QVERIFY2(r.value, qPrintable(r.error));
+    QCOMPARE(r.format, format);
+    QCOMPARE(QString::fromUtf8(toJson(*r.value)), json);
+}
+
+// Order and repeated keys survive: the string-table reader decides that the last one wins.
+void ReaderTest::stringDictionary()
+{
+    const QByteArray xml("<plist><dict><key>b</key><string>2</string><key>a</key><string>1</string>"
+                         "<key>b</key><string>3</string></dict></plist>");
+    BinaryBuilder binary;
+    binary.add("D3 01 02 01 03 04 05").add("51 62").add("51 61").add("51 32").add("51 31").add("51 33");
+    const QByteArray openStep("{ b = \"2\"; a = 1; b = \"3\"; }");
+
+    for (const QByteArray &bytes : {xml, binary.build(), openStep}) {
+        const std::optional<Dictionary> d = readStringDictionary(bytes);
+        QVERIFY(d);
+        QCOMPARE(d->size(), 3);
+        QCOMPARE(d->at(0).first, QStringLiteral("b"));
+        QCOMPARE(d->at(0).second.string(), QStringLiteral("2"));
+        QCOMPARE(d->at(1).first, QStringLiteral("a"));
+        QCOMPARE(d->at(2).second.string(), QStringLiteral("3"));
+        const Value v = Value::fromDictionary(*d);
+        QCOMPARE(v.find(QStringLiteral("b"))->string(), QStringLiteral("3"));
+        QVERIFY(!v.find(QStringLiteral("c")));
+    }
+}
+
+void ReaderTest::stringDictionaryRefusals_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("array root") << QByteArray("<plist><array><string>a</string></array></plist>");
+    QTest::newRow("integer value") << QByteArray("<plist><dict><key>a</key><integer>1</integer></dict></plist>");
+    QTest::newRow("nested dictionary") << QByteArray("{ a = { b = c; }; }");
+    QTest::newRow("not a list") << QByteArray("\"a\" = \"b\";");
+    QTest::newRow("empty") << QByteArray();
+}
+
+void ReaderTest::stringDictionaryRefusals()
+{
+    QFETCH(QByteArray, bytes);
+    QVERIFY(!readStringDictionary(bytes));
+}
+
+void ReaderTest::files()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString missing = dir.filePath(QStringLiteral("missing.plist"));
+    ReadResult r = readFile(missing);
+    QVERIFY(!r.value);
+    QVERIFY2(r.error.contains(missing), qPrintable(r.error));
+
+    // Another binary format (a compiled nib that is no property list) is named as such.
+    QFile other(dir.filePath(QStringLiteral("other.nib")));
+    QVERIFY(other.open(QIODevice::WriteOnly));
+    other.write(QByteArray("NIBArchive\x01\x00\x00\x00\x09\x00", 16));
+    other.close();
+    r = readFile(other.fileName());
+    QVERIFY(!r.value);
+    QVERIFY2(r.error.contains(u"no property list"), qPrintable(r.error));
+
+    r = read(QByteArray());
+    QVERIFY(!r.value);
+    QVERIFY2(r.error.contains(u"empty"), qPrintable(r.error));
+}
+
+int runReaderTests(int argc, char **argv)
+{
+    ReaderTest t;
+    return QTest::qExec(&t, argc, argv);
+}
+
+#include "test_plist_readers.moc"

@@ -1,0 +1,274 @@
+// Writing: Apple's XML layout byte for byte, scalars that survive XML and binary round trips,
+// key order, the binary writer's long counts and UIDs, the JSON rendering and atomic files.
+#include "PlistTestSupport.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+#include <cmath>
+#include <limits>
+
+using namespace plist;
+
+namespace {
+
+Value str(const char *s) { return Value::fromString(QString::fromUtf8(s)); }
+
+QDateTime utc(int y, int mo, int d, int h = 0, int mi = 0, int s = 0, int ms = 0)
+{
+    return QDateTime(QDate(y, mo, d), QTime(h, mi, s, ms), QTimeZone::utc());
+}
+
+quint64 trailerField(const QByteArray &bplist, int at, int size)
+{
+    quint64 v = 0;
+    for (int i = 0; i < size; ++i)
+        v = (v << 8) | uchar(bplist[bplist.size() - 32 + at + i]);
+    return v;
+}
+
+}  // namespace
+
+class WriterTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void appleLayoutKeptByteForByte();
+    void dataLineWidth_data();
+    void dataLineWidth();
+    void scalarsRoundTrip_data();
+    void scalarsRoundTrip();
+    void xmlDatesAreWholeSeconds();
+    void orderAndRepeatedKeysKept();
+    void binaryLongCountsAndWideReferences();
+    void binaryWritesUidObjects();
+    void jsonRendering();
+    void writeFileAtomically();
+};
+
+// The fixture is laid out as Apple's tools write: reading and writing it changes no byte.
+void WriterTest::appleLayoutKeptByteForByte()
+{
+    const QByteArray original = PlistTest::readBytes(PlistTest::dataPath(QStringLiteral("layout/apple-layout.plist")));
+    QVERIFY(!original.isEmpty());
+    const ReadResult r = read(original);
+    QVERIFY2(r.value, qPrintable(r.error));
+    QCOMPARE(QString::fromUtf8(toXml(*r.value)), QString::fromUtf8(original));
+}
+
+void WriterTest::dataLineWidth_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<int>("tabs");
+    QTest::addColumn<int>("width");
+    QTest::newRow("root") << 0 << 0 << 76;
+    QTest::newRow("in the root dictionary") << 1 << 1 << 68;
+    QTest::newRow("three deep") << 3 << 3 << 52;
+    QTest::newRow("eight deep") << 8 << 8 << 12;
+    QTest::newRow("eleven deep stays at eight tabs") << 11 << 8 << 12;
+}
+
+// Apple wraps base64 at 76 columns less 8 per indentation tab, and stops indenting at 8 tabs.
+void WriterTest::dataLineWidth()
+{
+    QFETCH(int, level);
+    QFETCH(int, tabs);
+    QFETCH(int, width);
+    QByteArray bytes;
+    for (int i = 0; i < 500; ++i)
+        bytes.append(char(i * 7));
+    Value v = Value::fromData(bytes);
+    for (int i = 0; i < level; ++i)
+        v = Value::fromArray({v});
+    const QByteArray xml = toXml(v);
+    const QList<QByteArray> lines = xml.split('\n');
+    const qsizetype open = lines.indexOf(QByteArray(level, '\t') + "<data>");
+    const qsizetype close = lines.indexOf(QByteArray(level, '\t') + "</data>");
+    QVERIFY(open > 0 && close > open + 1);
+    QByteArray joined;
+    for (qsizetype i = open + 1; i < close; ++i) {
+        const QByteArray &line = lines[i];
+        QVERIFY(line.startsWith(QByteArray(tabs, '\t')) && line[tabs] != '\t');
+        const qsizetype columns = line.size() - tabs;
+        if (i + 1 < close)
+            QCOMPARE(columns, qsizetype(width));
+        else
+            QVERIFY(columns > 0 && columns <= width);
+        joined += line.mid(tabs);
+    }
+    QCOMPARE(QByteArray::fromBase64(joined), bytes);
+}
+
+void WriterTest::scalarsRoundTrip_data()
+{
+    QTest::addColumn<Value>("value");
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("int64 min") << Value::fromInteger(std::numeric_limits<qint64>::min());
+    QTest::newRow("int64 max") << Value::fromInteger(std::numeric_limits<qint64>::max());
+    QTest::newRow("uint64 max") << Value::fromUnsigned(std::numeric_limits<quint64>::max());
+    QTest::newRow("just above int64 max") << Value::fromUnsigned(quint64(1) << 63);
+    QTest::newRow("minus one") << Value::fromInteger(-1);
+    QTest::newRow("65536") << Value::fromInteger(65536);
+    QTest::newRow("0.1") << Value::fromReal(0.1);
+    QTest::newRow("one third") << Value::fromReal(1.0 / 3.0);
+    QTest::newRow("smallest subnormal") << Value::fromReal(std::numeric_limits<double>::denorm_min());
+    QTest::newRow("largest double") << Value::fromReal(std::numeric_limits<double>::max());
+    QTest::newRow("-1e-300") << Value::fromReal(-1e-300);
+    QTest::newRow("+infinity") << Value::fromReal(inf);
+    QTest::newRow("-infinity") << Value::fromReal(-inf);
+    QTest::newRow("nan") << Value::fromReal(std::nan(""));
+    QTest::newRow("true") << Value::fromBoolean(true);
+    QTest::newRow("false") << Value::fromBoolean(false);
+    QTest::newRow("reference date") << Value::fromDate(utc(2001, 1, 1));
+    QTest::newRow("1900") << Value::fromDate(utc(1900, 1, 1, 12, 30, 15));
+    QTest::newRow("2099") << Value::fromDate(utc(2099, 12, 31, 23, 59, 59));
+    QTest::newRow("empty data") << Value::fromData({});
+    QByteArray all;
+    for (int i = 0; i < 256; ++i)
+        all.append(char(i));
+    QTest::newRow("every byte") << Value::fromData(all);
+    QTest::newRow("markup characters") << str("a & b < c > d \"q\" 'a' ]]>");
+    QTest::newRow("control characters") << str("\x1b\x03\r\n\t\x7f");
+    QTest::newRow("outside the BMP") << str("\xF0\x9F\x98\x80 \xE6\x97\xA5\xE6\x9C\xAC");
+    QTest::newRow("surrounding blanks") << str("  x  \n");
+    QTest::newRow("empty string") << str("");
+}
+
+// Each scalar alone, in an array and in a dictionary, through XML and through binary.
+void WriterTest::scalarsRoundTrip()
+{
+    QFETCH(Value, value);
+    const Value shapes[] = {value, Value::fromArray({value, value}),
+                            Value::fromDictionary({{QStringLiteral("k"), value}})};
+    for (const Value &v : shapes) {
+        const QByteArray xml = toXml(v);
+        const ReadResult fromXml = read(xml);
+        QVERIFY2(fromXml.value, qPrintable(fromXml.error));
+        QVERIFY2(*fromXml.value == v, xml.constData());
+        QCOMPARE(toXml(*fromXml.value), xml);
+        const ReadResult fromBinary = read(toBinary(v));
+        QVERIFY2(fromBinary.value, qPrintable(fromBinary.error));
+        QVERIFY(*fromBinary.value == v);
+    }
+}
+
+// XML keeps whole seconds, as Apple's writer does; the binary form keeps milliseconds.
+void WriterTest::xmlDatesAreWholeSeconds()
+{
+    const Value afterward = Value::fromDate(utc(2009, 2, 13, 23, 31, 30, 750));
+    QVERIFY(toXml(afterward).contains("<date>2009-02-13T23:31:30Z</date>"));
+    const Value before2001 = Value::fromDate(utc(2000, 12, 31, 23, 59, 59, 500));
+    QVERIFY(toXml(before2001).contains("<date>2000-12-31T23:59:59Z</date>"));
+    QVERIFY(*read(toBinary(afterward)).value == afterward);
+}
+
+void WriterTest::orderAndRepeatedKeysKept()
+{
+    const Value v = Value::fromDictionary({{QStringLiteral("zeta"), Value::fromInteger(1)},
+                                           {QStringLiteral("alpha"), Value::fromInteger(2)},
+                                           {QStringLiteral("Mid"), Value::fromDictionary({})},
+                                           {QStringLiteral("alpha"), Value::fromInteger(3)}});
+    for (const QByteArray &bytes : {toXml(v), toBinary(v)}) {
+        const ReadResult r = read(bytes);
+        QVERIFY2(r.value, qPrintable(r.error));
+        QStringList keys;
+        for (const auto &entry : r.value->dictionary())
+            keys << entry.first;
+        QCOMPARE(keys, QStringList({QStringLiteral("zeta"), QStringLiteral("alpha"), QStringLiteral("Mid"),
+                                    QStringLiteral("alpha")}));
+        QCOMPARE(r.value->find(QStringLiteral("alpha"))->integer(), 3);
+    }
+}
+
+void WriterTest::binaryLongCountsAndWideReferences()
+{
+    Array many;
+    for (int i = 0; i < 300; ++i)
+        many.append(Value::fromString(QStringLiteral("item %1").arg(i)));
+    Dictionary wide;
+    for (int i = 0; i < 20; ++i)
+        wide.append({QStringLiteral("k%1").arg(i), Value::fromInteger(i * 1000003)});
+    const Value v = Value::fromDictionary({{QStringLiteral("many"), Value::fromArray(many)},
+                                           {QStringLiteral("wide"), Value::fromDictionary(wide)},
+                                           {QStringLiteral("long"), Value::fromString(QString(300, QChar(0x00e9)))},
+                                           {QStringLiteral("blob"), Value::fromData(QByteArray(70000, 'x'))}});
+    const QByteArray bplist = toBinary(v);
+    QCOMPARE(trailerField(bplist, 7, 1), quint64(2));  // more than 255 objects: 2-byte references
+    QCOMPARE(trailerField(bplist, 6, 1), quint64(4));  // offsets past 65535: 4-byte offsets
+    const ReadResult r = read(bplist);
+    QVERIFY2(r.value, qPrintable(r.error));
+    QVERIFY(*r.value == v);
+}
+
+// {"CF$UID": n} is how XML spells a keyed archive's UID; binary stores it as one UID object.
+void WriterTest::binaryWritesUidObjects()
+{
+    const Value uid = Value::fromDictionary({{QStringLiteral("CF$UID"), Value::fromInteger(5)}});
+    const QByteArray bplist = toBinary(uid);
+    QCOMPARE(trailerField(bplist, 8, 8), quint64(1));
+    QCOMPARE(bplist.mid(8, 2), QByteArray("\x80\x05", 2));
+    QVERIFY(*read(bplist).value == uid);
+
+    const Value notUid = Value::fromDictionary({{QStringLiteral("CF$UID"), str("5")}});
+    QCOMPARE(trailerField(toBinary(notUid), 8, 8), quint64(3));
+    QVERIFY(*read(toBinary(notUid)).value == notUid);
+}
+
+void WriterTest::jsonRendering()
+{
+    const Value v = Value::fromDictionary({
+        {QStringLiteral("z"), str("quote \" backslash \\ tab \t bell \x07 \xC3\xA9")},
+        {QStringLiteral("a"), Value::fromArray({Value::fromInteger(-5), Value::fromUnsigned(18446744073709551615ull),
+                                                Value::fromReal(0.1), Value::fromReal(-std::numeric_limits<double>::infinity()),
+                                                Value::fromBoolean(false)})},
+        {QStringLiteral("m"), Value::fromDictionary({{QStringLiteral("d"), Value::fromDate(utc(2001, 1, 1, 0, 0, 1))},
+                                                     {QStringLiteral("b"), Value::fromData("hi")}})},
+        {QStringLiteral("e"), Value::fromArray({})},
+    });
+    const QByteArray expected = "{\n"
+                                "  \"z\": \"quote \\\" backslash \\\\ tab \\t bell \\u0007 \xC3\xA9\",\n"
+                                "  \"a\": [\n"
+                                "    {\"integer\": -5},\n"
+                                "    {\"integer\": 18446744073709551615},\n"
+                                "    {\"real\": 0.1},\n"
+                                "    {\"real\": \"-infinity\"},\n"
+                                "    {\"bool\": false}\n"
+                                "  ],\n"
+                                "  \"m\": {\n"
+                                "    \"d\": {\"date\": \"2001-01-01T00:00:01Z\"},\n"
+                                "    \"b\": {\"data\": \"aGk=\"}\n"
+                                "  },\n"
+                                "  \"e\": []\n"
+                                "}\n";
+    QCOMPARE(QString::fromUtf8(toJson(v)), QString::fromUtf8(expected));
+}
+
+void WriterTest::writeFileAtomically()
+{
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    const QString path = dir.filePath(QStringLiteral("Info.plist"));
+    const Value first = Value::fromDictionary({{QStringLiteral("CFBundleName"), str("First")}});
+    const Value second = Value::fromArray({str("Second")});
+    QString error;
+    QVERIFY(writeXmlFile(path, first, &error));
+    QVERIFY(error.isEmpty());
+    QCOMPARE(PlistTest::readBytes(path), toXml(first));
+    QVERIFY(writeXmlFile(path, second));
+    QCOMPARE(PlistTest::readBytes(path), toXml(second));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("Info.plist")});
+
+    const QString unwritable = dir.filePath(QStringLiteral("no/such/folder/Info.plist"));
+    QVERIFY(!writeXmlFile(unwritable, first, &error));
+    QVERIFY2(error.contains(unwritable), qPrintable(error));
+    QVERIFY(!QFile::exists(unwritable));
+}
+
+int runWriterTests(int argc, char **argv)
+{
+    WriterTest t;
+    return QTest::qExec(&t, argc, argv);
+}
+
+#include "test_plist_writers.moc"
