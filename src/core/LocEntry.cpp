@@ -80,11 +80,11 @@ OptString LocEntry::baseWord() const
         return substringFrom(m_entry, QStringLiteral("%1 = \"").arg(*type), kPairClose);
     }
     if (OptString w = substringFrom(m_entry, QStringLiteral("\n\""), QStringLiteral("\" = "))) return w;
-    if (OptString w = substringFrom(m_entry, kQuote, QStringLiteral("\" = "))) return w;
-    // A pair line with an empty key has an empty base word, not the quotes (or the comment)
-    // that the cut before " = " would give: such entries count as empty everywhere.
+    // A pair line with an empty key has an empty base word, not the quotes (or a piece of the
+    // comment) that the later cuts would give: such entries count as empty everywhere.
     const qsizetype lineStart = m_entry.indexOf(u'\n') + 1;
     if (QStringView(m_entry).mid(lineStart).startsWith(QLatin1String("\"\" = "))) return QString();
+    if (OptString w = substringFrom(m_entry, kQuote, QStringLiteral("\" = "))) return w;
     if (OptString w = substringTo(m_entry, QStringLiteral(" = "))) return w;
     return QString();
 }

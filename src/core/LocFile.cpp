@@ -84,9 +84,10 @@ void LocFile::searchEntryWithKey(const OptString &key)
 {
     resetEntries();
     if (!key || key->isEmpty()) return;
+    const StringUtility::CaseInsensitiveMatcher matcher(*key);
     QList<LocEntryPtr> found;
     for (const LocEntryPtr &e : std::as_const(m_entries))
-        if (e->entry().contains(*key, Qt::CaseInsensitive)) found.append(e);
+        if (matcher.foundIn(e->entry())) found.append(e);
     setEntries(found);
 }
 

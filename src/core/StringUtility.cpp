@@ -74,6 +74,42 @@ QString escapeForStringsFile(const QString &text)
     return s;
 }
 
+namespace {
+inline char16_t fold(char16_t c)
+{
+    if (c < 128) return (c >= u'A' && c <= u'Z') ? char16_t(c + 32) : c;
+    return char16_t(QChar::toCaseFolded(char32_t(c)));
+}
+}  // namespace
+
+CaseInsensitiveMatcher::CaseInsensitiveMatcher(QStringView key)
+{
+    m_folded.reserve(key.size());
+    for (QChar c : key) m_folded.push_back(fold(c.unicode()));
+}
+
+bool CaseInsensitiveMatcher::foundIn(QStringView text) const
+{
+    const qsizetype n = qsizetype(m_folded.size());
+    if (n == 0) return true;
+    if (n > text.size()) return false;
+    const char16_t *t = text.utf16();
+    const char16_t *k = m_folded.data();
+    const qsizetype last = text.size() - n;
+    for (qsizetype i = 0; i <= last; ++i) {
+        if (fold(t[i]) != k[0]) continue;
+        qsizetype j = 1;
+        while (j < n && fold(t[i + j]) == k[j]) ++j;
+        if (j == n) return true;
+    }
+    return false;
+}
+
+bool containsCaseInsensitive(QStringView text, QStringView key)
+{
+    return CaseInsensitiveMatcher(key).foundIn(text);
+}
+
 OptString stringFromUTF16DataFilePath(const QString &path)
 {
     QFile file(path);

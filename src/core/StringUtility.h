@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <optional>
+#include <string>
 
 // A word that may be absent. Absent is not the empty text: it has length 0 and equals nothing.
 using OptString = std::optional<QString>;
@@ -35,6 +36,20 @@ QString escapeForStringsFile(const QString &text);
 // file cannot be read or decoded. Without a mark the bytes are taken as little-endian, the order
 // of every machine that writes these files today.
 OptString stringFromUTF16DataFilePath(const QString &path);
+
+// Whether `text` contains `key`, letters compared by simple case folding (as
+// Qt::CaseInsensitive does, unit by unit). Several times faster than QString::contains with
+// Qt::CaseInsensitive, which matters when one search runs over every entry of a large file.
+bool containsCaseInsensitive(QStringView text, QStringView key);
+// The same search with the key folded once, for one key against many texts.
+class CaseInsensitiveMatcher {
+public:
+    explicit CaseInsensitiveMatcher(QStringView key);
+    bool foundIn(QStringView text) const;
+
+private:
+    std::u16string m_folded;
+};
 
 // Absent compares unequal to every word, to the empty text and to another absent word.
 inline bool wordsEqual(const OptString &a, const OptString &b) { return a && b && *a == *b; }

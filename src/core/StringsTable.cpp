@@ -113,46 +113,55 @@ private:
             ++p;
             return true;
         }
-        out = QString(reinterpret_cast<const QChar *>(start), p - start);
-        while (p < end && *p != u'"') {
+        // Find the closing quote first: the unescaped word is never longer than the quoted one,
+        // so it is written straight into a buffer of that size.
+        const char16_t *close = p;
+        while (close < end && *close != u'"') close += (*close == u'\\') ? 2 : 1;
+        if (close >= end) {
+            p = end;
+            m_message = QStringLiteral("a quoted string is not closed");
+            return false;
+        }
+        out.resize(close - start);
+        char16_t *w = reinterpret_cast<char16_t *>(out.data());
+        char16_t *const first = w;
+        for (const char16_t *q = start; q < p;) *w++ = *q++;
+        while (p < close) {
             if (*p != u'\\') {
-                out.append(QChar(*p++));
+                *w++ = *p++;
                 continue;
             }
-            if (++p == end) break;
-            const char16_t c = *p++;
+            const char16_t c = *++p;
+            ++p;
             switch (c) {
-            case u'a': out.append(QChar(7)); break;
-            case u'b': out.append(QChar(8)); break;
-            case u'f': out.append(QChar(12)); break;
-            case u'n': out.append(QChar(10)); break;
-            case u'r': out.append(QChar(13)); break;
-            case u't': out.append(QChar(9)); break;
-            case u'v': out.append(QChar(11)); break;
+            case u'a': *w++ = 7; break;
+            case u'b': *w++ = 8; break;
+            case u'f': *w++ = 12; break;
+            case u'n': *w++ = 10; break;
+            case u'r': *w++ = 13; break;
+            case u't': *w++ = 9; break;
+            case u'v': *w++ = 11; break;
             case u'U':
             case u'u': {
                 // Up to four hexadecimal digits give one UTF-16 code unit.
                 int code = 0, digits = 0;
-                while (digits < 4 && p < end && hexValue(*p) >= 0) code = code * 16 + hexValue(*p++), ++digits;
-                out.append(digits ? QChar(char16_t(code)) : QChar(c));
+                while (digits < 4 && p < close && hexValue(*p) >= 0) code = code * 16 + hexValue(*p++), ++digits;
+                *w++ = digits ? char16_t(code) : c;
                 break;
             }
             default:
                 if (c >= u'0' && c <= u'7') {
                     // Up to three octal digits give one byte, taken as a Latin-1 character.
                     int code = c - u'0', digits = 1;
-                    while (digits < 3 && p < end && *p >= u'0' && *p <= u'7') code = code * 8 + (*p++ - u'0'), ++digits;
-                    out.append(QChar(char16_t(code & 0xFF)));
+                    while (digits < 3 && p < close && *p >= u'0' && *p <= u'7') code = code * 8 + (*p++ - u'0'), ++digits;
+                    *w++ = char16_t(code & 0xFF);
                 } else {
-                    out.append(QChar(c));  // \" \\ \' and any other character stand for themselves
+                    *w++ = c;  // \" \\ \' and any other character stand for themselves
                 }
             }
         }
-        if (p == end) {
-            m_message = QStringLiteral("a quoted string is not closed");
-            return false;
-        }
-        ++p;
+        out.truncate(w - first);
+        p = close + 1;
         return true;
     }
 };

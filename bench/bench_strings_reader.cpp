@@ -1,0 +1,116 @@
+// String-table reader throughput and the search over a large file's entries.
+//   bench_strings_reader [--pairs N] [FILE]
+// Without FILE it generates a table of N pairs (default 100,000) mixing ASCII, accented Latin,
+// CJK, escapes and comments. Prints one JSON line per figure.
+#include "LocFile.h"
+#include "StringsTable.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <cstdio>
+
+namespace {
+
+QByteArray generateTable(int pairs)
+{
+    static const char *const words[] = {"Open", "Öffnen", "Fenster schließen", "開く", "ファイルを保存", "Préférences…",
+                                        "Zoom", "Quit %@", "Ångström", "编辑", "Save As\\\"…\\\"", "Line\\nbreak"};
+    QRandomGenerator rng(42);
+    QByteArray out;
+    out.reserve(pairs * 80);
+    for (int i = 0; i < pairs; ++i) {
+        if (i % 10 == 0) out += "/* Section " + QByteArray::number(i) + " — comment with \"quotes\" */\n";
+        if (i % 25 == 0) out += "// a line comment\n";
+        const char *k = words[rng.bounded(12)];
+        const char *v = words[rng.bounded(12)];
+        out += "\"" + QByteArray(k) + " " + QByteArray::number(i) + "\" = \"" + QByteArray(v) + " \\U00e9 " +
+               QByteArray::number(i) + "\";\n";
+    }
+    return out;
+}
+
+void report(const char *name, double value, const char *unit)
+{
+    std::printf("{\"benchmark\":\"%s\",\"value\":%.3f,\"unit\":\"%s\"}\n", name, value, unit);
+}
+
+// A handler that turns a string table into entries shaped as the strings-file handler makes them.
+class TableHandler : public ResourceHandler {
+public:
+    StringMap table;
+    void extract(LocFile &file, const OptString &, const OptString &) override
+    {
+        QList<LocEntryPtr> entries;
+        entries.reserve(table.size());
+        for (const auto &p : table)
+            entries.append(LocEntry::initWithEntry(QStringLiteral("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";").arg(p.first, p.second)));
+        file.setAllEntries(entries);
+    }
+    StringMap makeLocalized(LocFile &, const QString &) override { return {}; }
+};
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    int pairs = 100000;
+    QString file;
+    const QStringList args = app.arguments().mid(1);
+    for (int i = 0; i < args.size(); ++i) {
+        if (args[i] == QLatin1String("--pairs") && i + 1 < args.size()) pairs = args[++i].toInt();
+        else file = args[i];
+    }
+    QByteArray data;
+    if (file.isEmpty()) {
+        data = generateTable(pairs);
+    } else {
+        QFile f(file);
+        if (!f.open(QIODevice::ReadOnly)) {
+            std::fprintf(stderr, "cannot read %s\n", qPrintable(file));
+            return 1;
+        }
+        data = f.readAll();
+    }
+
+    // Best of several runs, so a busy machine disturbs the figure less.
+    std::optional<StringMap> map;
+    double best = 1e9;
+    for (int run = 0; run < 5; ++run) {
+        map.reset();  // freeing the previous run's map is not part of reading
+        QElapsedTimer t;
+        t.start();
+        map = StringsTable::parseData(data);
+        best = std::min(best, t.nsecsElapsed() / 1e9);
+    }
+    if (!map) {
+        std::fprintf(stderr, "the table does not read\n");
+        return 1;
+    }
+    report("strings_reader_throughput", data.size() / 1e6 / best, "MB/s");
+    report("strings_reader_pairs", double(map->size()), "pairs");
+
+    auto handler = std::make_shared<TableHandler>();
+    handler->table = *map;
+    HandlerRegistry::registerHandler(HandlerKind::Strings, handler);
+    QTemporaryDir dir;
+    LocFilePtr locFile = LocFile::initWithPath(dir.filePath(QStringLiteral("Big.strings")), std::nullopt, std::nullopt);
+    report("locfile_entries", double(locFile->allEntries().size()), "entries");
+    const QString queries[] = {QStringLiteral("ffnen 4242"), QStringLiteral("no such text anywhere"), QStringLiteral("é"),
+                               QString()};
+    for (const QString &q : queries) {
+        double searchBest = 1e9;
+        for (int run = 0; run < 5; ++run) {
+            QElapsedTimer t;
+            t.start();
+            locFile->searchEntryWithKey(q.isNull() ? OptString() : OptString(q));
+            searchBest = std::min(searchBest, t.nsecsElapsed() / 1e6);
+        }
+        const QByteArray name = "search_" + (q.isNull() ? QByteArray("none") : q.toUtf8().replace(' ', '_'));
+        report(name.constData(), searchBest, "ms");
+    }
+    return 0;
+}

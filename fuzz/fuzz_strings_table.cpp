@@ -1,0 +1,25 @@
+// The string-table reader on arbitrary bytes: no crash, no sanitizer report, no hang.
+#include "StringsTable.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    const auto map = StringsTable::parseData(bytes);
+    if (map) {
+        // What was read must read again the same when written as plain pairs.
+        QString text;
+        for (const auto &p : *map) {
+            auto quote = [](QString s) {
+                s.replace(QLatin1String("\\"), QLatin1String("\\\\")).replace(QLatin1String("\""), QLatin1String("\\\""));
+                return QLatin1Char('"') + s + QLatin1Char('"');
+            };
+            text += quote(p.first) + QLatin1String(" = ") + quote(p.second) + QLatin1String(";\n");
+        }
+        const auto again = StringsTable::parse(text);
+        if (!again || !(*again == *map)) __builtin_trap();
+    }
+    return 0;
+}

@@ -1,0 +1,164 @@
+// The string-table reader: grammar, escapes, encodings, all-or-nothing, and agreement with the
+// maps a peer implementation reads from the corpus's real tables.
+#include "StringsTable.h"
+#include "TestSupport.h"
+
+#include <QDirIterator>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringEncoder>
+#include <QTest>
+
+Q_DECLARE_METATYPE(std::optional<StringMap>)
+
+namespace {
+QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+
+StringMap mapOf(std::initializer_list<std::pair<const char *, const char *>> pairs)
+{
+    StringMap m;
+    for (const auto &[k, v] : pairs) m.insert(S(k), S(v));
+    return m;
+}
+
+QString describe(const std::optional<StringMap> &m)
+{
+    if (!m) return S("nothing");
+    QStringList parts;
+    for (const auto &p : *m) parts << p.first + S(" => ") + p.second;
+    return S("{") + parts.join(S("; ")) + S("}");
+}
+}  // namespace
+
+class TestStringsTable : public QObject {
+    Q_OBJECT
+private slots:
+    void grammar_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<std::optional<StringMap>>("expected");
+        const std::optional<StringMap> nothing;
+        QTest::newRow("last duplicate wins") << S("\"a\" = \"1\";\n\"a\" = \"2\";") << std::optional(mapOf({{"a", "2"}}));
+        QTest::newRow("short form") << S("\"x\";") << std::optional(mapOf({{"x", "x"}}));
+        QTest::newRow("escaped quotes") << S("\"k\" = \"say \\\"hi\\\"\";") << std::optional(mapOf({{"k", "say \"hi\""}}));
+        QTest::newRow("missing semicolon spoils all") << S("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";") << nothing;
+        QTest::newRow("unquoted words") << S("CFBundleName = \"Vienna\";\nkey.with/odd:chars-1_$ = value2;")
+                                        << std::optional(mapOf({{"CFBundleName", "Vienna"}, {"key.with/odd:chars-1_$", "value2"}}));
+        QTest::newRow("both comment forms")
+            << S("/* a \"comment\" = \"x\"; */ \"a\" /* in between */ = // line\n \"1\"; // tail")
+            << std::optional(mapOf({{"a", "1"}}));
+        QTest::newRow("comment markers inside quotes are text") << S("\"u\" = \"http://x/*y*/\";")
+                                                              << std::optional(mapOf({{"u", "http://x/*y*/"}}));
+        QTest::newRow("escapes") << S("\"e\" = \"\\n\\t\\r\\\\\\a\\b\\f\\v\\'\";")
+                                 << std::optional(mapOf({{"e", "\n\t\r\\\a\b\f\v'"}}));
+        QTest::newRow("unicode escapes") << S("\"u\" = \"\\U00e9\\u263A\\U1\";") << std::optional(mapOf({{"u", "é☺\x01"}}));
+        QTest::newRow("octal escapes") << S("\"o\" = \"\\101\\0610\\351\";") << std::optional(mapOf({{"o", "A10é"}}));
+        QTest::newRow("literal line feed in a value") << S("\"m\" = \"one\ntwo\";") << std::optional(mapOf({{"m", "one\ntwo"}}));
+        QTest::newRow("empty key and value") << S("\"\" = \"\";") << std::optional(mapOf({{"", ""}}));
+        QTest::newRow("empty table") << S("  /* only a comment */\n") << std::optional(StringMap());
+        QTest::newRow("unclosed comment") << S("\"a\" = \"1\"; /* open") << nothing;
+        QTest::newRow("unclosed quote") << S("\"a\" = \"1;") << nothing;
+        QTest::newRow("trailing backslash") << S("\"a\" = \"1\\") << nothing;
+        QTest::newRow("value missing") << S("\"a\" = ;") << nothing;
+        QTest::newRow("two values") << S("\"a\" = \"1\" \"2\";") << nothing;
+        QTest::newRow("nested value") << S("\"a\" = { b = c; };") << nothing;
+        QTest::newRow("stray character") << S("\"a\" = \"1\"; #") << nothing;
+    }
+    void grammar()
+    {
+        QFETCH(QString, text);
+        QFETCH(std::optional<StringMap>, expected);
+        const auto got = StringsTable::parse(text);
+        QVERIFY2(got == expected, qPrintable(S("got ") + describe(got) + S(", expected ") + describe(expected)));
+    }
+
+    void keysKeepTheirFirstPlace()
+    {
+        const auto m = StringsTable::parse(S("\"b\" = \"1\"; \"a\" = \"2\"; \"b\" = \"3\";"));
+        QVERIFY(m);
+        QCOMPARE(m->pairs().size(), 2);
+        QCOMPARE(m->pairs().at(0), StringMap::Pair(S("b"), S("3")));
+        QCOMPARE(m->pairs().at(1).first, S("a"));
+    }
+
+    void errorsSayWhere()
+    {
+        StringsTable::Error error;
+        QVERIFY(!StringsTable::parse(S("\"a\" = \"1\";\n\n\"b\" = \"2\"\n"), &error));
+        QCOMPARE(error.line, 4);
+        QVERIFY(error.message.contains(S(";")));
+    }
+
+    void encodings()
+    {
+        const QString text = S("/* Ü */\n\"Open\" = \"Öffnen 開く\";\n\"Quit\" = \"Beenden\";\n");
+        const auto expected = StringsTable::parse(text);
+        QVERIFY(expected && expected->size() == 2);
+        QStringEncoder le(QStringConverter::Utf16LE), be(QStringConverter::Utf16BE);
+        QCOMPARE(StringsTable::parseData(text.toUtf8()), expected);
+        QCOMPARE(StringsTable::parseData("\xEF\xBB\xBF" + text.toUtf8()), expected);
+        QCOMPARE(StringsTable::parseData("\xFF\xFE" + QByteArray(le.encode(text))), expected);
+        QCOMPARE(StringsTable::parseData("\xFE\xFF" + QByteArray(be.encode(text))), expected);
+        // Neither valid UTF-8 nor marked UTF-16: nothing, with a reason.
+        StringsTable::Error error;
+        QVERIFY(!StringsTable::parseData("\"a\" = \"\x8a\";", &error));
+        QVERIFY(!error.message.isEmpty());
+    }
+
+    void files()
+    {
+        QTemporaryDir dir;
+        const QString path = TestSupport::writeFile(dir.filePath(S("a.strings")), "\"a\" = \"1\";");
+        QCOMPARE(dictionaryWithContentsOfFile(path), std::optional(mapOf({{"a", "1"}})));
+        StringsTable::Error error;
+        QVERIFY(!dictionaryWithContentsOfFile(dir.filePath(S("missing.strings")), &error));
+        QVERIFY(!error.message.isEmpty());
+    }
+
+    // Every corpus table with a map read by the peer reads to an equal map, or to nothing where
+    // the peer read nothing. Where the peer departs from our rules (the short form), we skip it.
+    void agreesWithPeerOnCorpus()
+    {
+        SKIP_WITHOUT_CORPUS();
+        const QString corpus = TestSupport::corpusDir();
+        const QString mapsDir = corpus + S("/expected-maps");
+        if (!QDir(mapsDir).exists()) QSKIP("the corpus has no expected-maps folder");
+        int compared = 0;
+        QStringList mismatches;
+        QDirIterator it(mapsDir, {S("*.strings.json")}, QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString jsonPath = it.next();
+            const QString rel = jsonPath.mid(mapsDir.size() + 1).chopped(5);
+            const QString tablePath = corpus + u'/' + rel;
+            if (!QFile::exists(tablePath)) continue;
+            const QByteArray bytes = TestSupport::readFile(tablePath);
+            const QJsonDocument doc = QJsonDocument::fromJson(TestSupport::readFile(jsonPath));
+            std::optional<StringMap> expected;
+            if (doc.isObject()) {
+                StringMap m;
+                const QJsonObject o = doc.object();
+                for (auto i = o.begin(); i != o.end(); ++i) m.insert(i.key(), i.value().toString());
+                expected = m;
+            }
+            const auto got = StringsTable::parseData(bytes);
+            ++compared;
+            if (got == expected) continue;
+            // The peer gives the short form "x"; an empty value where our rule gives the key.
+            if (got && expected && got->size() == expected->size()) {
+                bool onlyShortForm = true;
+                for (const auto &p : *got)
+                    if (expected->value(p.first) != p.second && !(p.first == p.second && expected->value(p.first).isEmpty()))
+                        onlyShortForm = false;
+                if (onlyShortForm) continue;
+            }
+            mismatches << rel + S(": got ") + describe(got).left(200) + S(", peer ") + describe(expected).left(200);
+        }
+        qInfo("compared %d corpus tables with the peer's maps", compared);
+        QVERIFY(compared > 0);
+        QVERIFY2(mismatches.isEmpty(), qPrintable(mismatches.mid(0, 5).join(u'\n') + S("\n(") +
+                                                  QString::number(mismatches.size()) + S(" mismatches)")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStringsTable)
+#include "test_strings_table.moc"
