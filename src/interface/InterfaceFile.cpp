@@ -1,12 +1,48 @@
 #include "InterfaceFile.h"
 
+#include "NibFolder.h"
+#include "XmlInterfaceFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
 namespace interface {
 
-// Placeholder until the readers land.
-std::unique_ptr<InterfaceFile> openInterfaceFile(const QString &, QString *error)
+namespace {
+
+// Interface files are a few megabytes at most; this bounds what a hostile one can make us read.
+constexpr qint64 kMaxFileSize = 256 * 1024 * 1024;
+
+bool looksCompiled(const QByteArray &bytes)
 {
-    if (error) *error = QStringLiteral("interface files cannot be read yet");
-    return nullptr;
+    return bytes.startsWith("NIBArchive") || bytes.startsWith("bplist");
+}
+
+}  // namespace
+
+std::unique_ptr<InterfaceFile> openInterfaceFile(const QString &path, QString *error)
+{
+    auto fail = [&](const QString &why) -> std::unique_ptr<InterfaceFile> {
+        if (error) *error = QStringLiteral("The document \"%1\" could not be opened. %2").arg(path, why);
+        return nullptr;
+    };
+    const QFileInfo info(path);
+    if (!info.exists()) return fail(QStringLiteral("There is no such file."));
+    if (info.isDir()) return openNibFolder(path, error);
+
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) return fail(file.errorString() + u'.');
+    if (file.size() > kMaxFileSize) return fail(QStringLiteral("The file is too large to be an interface file."));
+    const QByteArray bytes = file.readAll();
+    if (bytes.isEmpty()) return fail(QStringLiteral("The file is empty."));
+
+    // Compiled nib → nib::open… when that reader is there; until then an empty file that says why.
+    if (looksCompiled(bytes)) return unsupportedCompiledNib(path);
+
+    QString why;
+    auto xml = openXmlInterfaceFile(bytes, &why);
+    if (!xml) return fail(why);
+    return xml;
 }
 
 }  // namespace interface

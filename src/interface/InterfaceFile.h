@@ -2,11 +2,16 @@
 // The interface-file engine's common model: the localizable strings of an interface file (xib,
 // storyboard, legacy IB3 archive, compiled nib) as ibtool names them, and the two operations the
 // tools need: list them, and write a copy with some of them replaced.
+//
+// Readers: XibFile (document-3.0 xibs and storyboards), LegacyXibFile (IB3 <archive> xibs and the
+// designable.nib of a nib folder); compiled nibs live under nib/. The string table in ibtool's
+// form is written by IbtoolTable.h. See docs/interface-files.md of the shared documents.
 
 #include "StringMap.h"
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 namespace interface {
@@ -19,6 +24,12 @@ struct LocalizableString {
     QString note;       // localizer note; empty when there is none
 
     QString key() const { return objectId + u'.' + property; }
+    // The property as the table's comment names it: array elements repeat the object id
+    // ("bQc-2s-1MS.ibShadowedLabels[0]"), everything else is the property itself.
+    QString commentProperty() const
+    {
+        return property.contains(u'[') ? key() : property;
+    }
 };
 
 class InterfaceFile {
@@ -30,6 +41,12 @@ public:
     // ("OID.property") that `translations` holds replaced; other keys are ignored, missing keys
     // keep the base value. False, with a reason, when it could not be written.
     virtual bool write(const QString &outPath, const StringMap &translations, QString *error) const = 0;
+    // What reading or the last write could not take (keys that match nothing, parts of a file
+    // that are not understood); for the tools' standard error, never a failure by itself.
+    virtual QStringList warnings() const { return m_warnings; }
+
+protected:
+    mutable QStringList m_warnings;
 };
 
 // Opens any interface file the engine knows (xib, storyboard, nib file or nib folder). None,
