@@ -2,6 +2,7 @@
 
 #include "NibFolder.h"
 #include "XmlInterfaceFile.h"
+#include "nib/CompiledNib.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -28,6 +29,10 @@ std::unique_ptr<InterfaceFile> openInterfaceFile(const QString &path, QString *e
     };
     const QFileInfo info(path);
     if (!info.exists()) return fail(QStringLiteral("There is no such file."));
+
+    // Compiled nibs (NIBArchive, keyed archive) and nib folders with all their variants.
+    if (nib::isCompiledNib(path)) return nib::openCompiledNib(path, error);
+
     if (info.isDir()) return openNibFolder(path, error);
 
     QFile file(path);
