@@ -224,10 +224,14 @@ std::optional<BinaryReader::Parsed> BinaryReader::parse(quint64 offset, int dept
         }
         if (!isDate)
             return Parsed{Value::fromReal(d), 1};
-        // Beyond some hundred thousand years QDateTime cannot follow; no real list goes there.
-        if (!std::isfinite(d) || std::fabs(d) > 1e13)
+        // Dates are written in XML with four-digit years; Apple's distant past and future
+        // (years 1 and 4001) lie well inside, so nothing real is refused.
+        const QDateTime date = std::isfinite(d) && std::fabs(d) < 1e12
+            ? referenceDate().addMSecs(qint64(std::llround(d * 1000.0)))
+            : QDateTime();
+        if (!date.isValid() || date.date().year() < 1 || date.date().year() > 9999)
             return fail(QStringLiteral("date at offset %1 is out of range").arg(offset));
-        return Parsed{Value::fromDate(referenceDate().addMSecs(qint64(std::llround(d * 1000.0)))), 1};
+        return Parsed{Value::fromDate(date), 1};
     }
     case 0x4:
         if (!count(pos, marker, n) || !need(pos, n, offset))
@@ -244,7 +248,8 @@ std::optional<BinaryReader::Parsed> BinaryReader::parse(quint64 offset, int dept
         if (n > (std::numeric_limits<quint64>::max() / 2) || !need(pos, n * 2, offset))
             return fail(QStringLiteral("string at offset %1 runs past the object area").arg(offset));
         QStringDecoder utf16(QStringDecoder::Utf16BE, QStringDecoder::Flag::Stateless);
-        return Parsed{Value::fromString(utf16.decode(QByteArrayView(m_p + pos, qsizetype(n * 2)))), 1};
+        const QString text = utf16.decode(QByteArrayView(m_p + pos, qsizetype(n * 2)));
+        return Parsed{Value::fromString(pairedSurrogates(text)), 1};
     }
     case 0x8: {
         // Keyed archives refer to their objects by UID; a {"CF$UID": n} dictionary is how the

@@ -139,7 +139,7 @@ std::optional<QString> OpenStepReader::quoted()
         }
         if (m_s[m_i] == quote) {
             ++m_i;
-            return out;
+            return pairedSurrogates(std::move(out));
         }
         ++m_i;  // the backslash
         if (!escape(out))

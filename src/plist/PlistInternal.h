@@ -21,6 +21,10 @@ QByteArray isoDate(const QDateTime &d);
 // Shortest text that reads back as the same double; what Apple writes for infinities and NaN.
 QByteArray realText(double d, bool shortest);
 
+// Unpaired UTF-16 surrogates (from \U escapes or UTF-16 data) replaced by U+FFFD, so that every
+// string read can be written as UTF-8 and read back the same.
+QString pairedSurrogates(QString s);
+
 // Line number (1-based) of a position in text, counting LF, CR LF and lone CR as line ends.
 int lineAt(QStringView text, qsizetype pos);
 

@@ -123,6 +123,17 @@ QByteArray realText(double d, bool shortest)
     return QByteArray(buf, r.ptr - buf);
 }
 
+QString pairedSurrogates(QString s)
+{
+    for (qsizetype i = 0; i < s.size(); ++i) {
+        if (s[i].isHighSurrogate() && i + 1 < s.size() && s[i + 1].isLowSurrogate())
+            ++i;
+        else if (s[i].isSurrogate())
+            s[i] = QChar::ReplacementCharacter;
+    }
+    return s;
+}
+
 int lineAt(QStringView text, qsizetype pos)
 {
     int line = 1;

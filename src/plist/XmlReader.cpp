@@ -126,7 +126,9 @@ std::optional<Value> parseDate(QStringView text)
         return std::nullopt;
     if (d.timeSpec() == Qt::LocalTime)  // no zone written: Apple's dates are always UTC
         d = QDateTime(d.date(), d.time(), QTimeZone::utc());
-    return Value::fromDate(d);
+    d = d.toUTC();
+    // Whole seconds, as they will be written again.
+    return Value::fromDate(d.addMSecs(-d.time().msec()));
 }
 
 std::optional<Value> parseData(QStringView text)
