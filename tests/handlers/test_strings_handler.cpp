@@ -1,0 +1,380 @@
+// The strings-file handler through LocFile: which lines make entries and what they hold, which
+// source fills a word (previous version by key, else dictionary by base text), check marks,
+// empty keys and values, encodings, what the user is told, the header test and the export.
+#include "Handlers.h"
+#include "LocFile.h"
+#include "NotificationCenter.h"
+#include "PropertyList.h"
+#include "StringsHandler.h"
+#include "StringsTable.h"
+#include "TestSupport.h"
+
+#include <QSignalSpy>
+#include <QStringEncoder>
+#include <QTest>
+
+namespace {
+QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+QByteArray B(const char *utf8) { return QByteArray(utf8); }
+}  // namespace
+
+class TestStringsHandler : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    int m_count = 0;
+
+    // A fresh folder per file, so names like InfoPlist.strings can repeat.
+    QString place(const QByteArray &bytes, const QString &name = QStringLiteral("Localizable.strings"))
+    {
+        return TestSupport::writeFile(m_dir.filePath(QStringLiteral("f%1/%2").arg(++m_count).arg(name)), bytes);
+    }
+    LocFilePtr read(const QByteArray &base, const QByteArray &previous = {}, const QByteArray &dictionary = {},
+                    const QString &name = QStringLiteral("Localizable.strings"))
+    {
+        const QString basePath = place(base, name);
+        const OptString prev = previous.isNull() ? OptString() : OptString(place(previous, name));
+        const OptString dict = dictionary.isNull() ? OptString() : OptString(place(dictionary, S("en-de.strings")));
+        return LocFile::initWithPath(basePath, dict, prev);
+    }
+    QString exportFolder()
+    {
+        const QString folder = m_dir.filePath(QStringLiteral("out%1").arg(++m_count));
+        QDir().mkpath(folder);
+        return folder;
+    }
+    static QString words(const LocFilePtr &file)
+    {
+        QStringList list;
+        for (const LocEntryPtr &e : file->allEntries())
+            list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? S("+") : S("-"));
+        return list.join(u'|');
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        TestSupport::isolate(m_dir);
+        registerResourceHandlers();
+    }
+
+    void lineMakesEntry_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("base");
+        QTest::addColumn<QString>("localized");
+        QTest::newRow("spaced") << B("\"a\" = \"b\";") << S("a") << S("b") << S("b");
+        QTest::newRow("tight") << B("\"a\"=\"b\";") << S("a") << S("b") << S("b");
+        QTest::newRow("left tight") << B("\"a\"= \"b\";") << S("a") << S("b") << S("b");
+        QTest::newRow("right tight") << B("\"a\" =\"b\";") << S("a") << S("b") << S("b");
+        QTest::newRow("indented, comment after") << B("\t  \"a\" = \"b\"; // note") << S("a") << S("b") << S("b");
+        QTest::newRow("commented-out pair") << B("/* \"a\" = \"b\"; */") << S("a") << S("b") << S("b");
+        QTest::newRow("unquoted key") << B("CFBundleName = \"Vienna\";") << S("CFBundleName") << S("Vienna") << S("Vienna");
+        QTest::newRow("indented unquoted key") << B("    CFBundleName = \"Vienna\";") << S("CFBundleName") << S("Vienna")
+                                               << S("Vienna");
+        QTest::newRow("escapes kept") << B("\"say \\\"hi\\\"\" = \"sag \\\"hallo\\\"\\n\";") << S("say \\\"hi\\\"")
+                                      << S("sag \\\"hallo\\\"\\n") << S("sag \\\"hallo\\\"\\n");
+        QTest::newRow("equals beside escaped quote gains a space")
+            << B("\"k\" = \"x\\\"=y\";") << S("k") << S("x\\\" =y") << S("x\\\" =y");
+        QTest::newRow("non-ASCII") << B("\"Öffnen\" = \"Öffnen…\";") << S("Öffnen") << S("Öffnen…") << S("Öffnen…");
+    }
+    void lineMakesEntry()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(QString, key);
+        QFETCH(QString, base);
+        QFETCH(QString, localized);
+        const LocFilePtr file = read(B("/* header */\n\n") + line + B("\n"));
+        QCOMPARE(file->allEntries().size(), 1);
+        const LocEntryPtr e = file->allEntries().first();
+        QCOMPARE(e->keyWord(), OptString(key));
+        QCOMPARE(e->baseWord(), OptString(base));
+        QCOMPARE(e->localizedWord(), OptString(localized));
+        QVERIFY(!e->isChecked());
+        QCOMPARE(file->status(), S("0/1"));
+    }
+
+    void entryTextKeepsKeyAndValue()
+    {
+        const LocFilePtr file = read(B("\"OpenKey\" = \"Open\";\n"));
+        QCOMPARE(file->allEntries().first()->entry(), S("/* \"OpenKey\"=\"Open\" */\n\"Open\" = \"Open\";"));
+    }
+
+    void onlyPairLinesQualify()
+    {
+        const QByteArray table = "// comment = \"x\"\n"
+                                 "/* block */\n"
+                                 "\n"
+                                 "\"one\" = \"1\";\n"
+                                 "\"multi\" = \"first line\n"
+                                 "second line\";\n"
+                                 "\"short\";\n"
+                                 "unquoted = value;\n"
+                                 "\"two\" = \"2\";\n";
+        const LocFilePtr file = read(table);
+        QCOMPARE(file->allEntries().size(), 2);
+        QCOMPARE(file->allEntries().at(0)->keyWord(), OptString(S("one")));
+        QCOMPARE(file->allEntries().at(1)->keyWord(), OptString(S("two")));
+        // The user learns which pairs stayed behind.
+        const QString all = file->warnings().join(u'\n');
+        QVERIFY2(all.contains(S("\"multi\"")) && all.contains(S("\"short\"")) && all.contains(S("\"unquoted\"")),
+                 qPrintable(all));
+        QVERIFY2(all.contains(file->path()), qPrintable(all));
+    }
+
+    void whichSourceWins()
+    {
+        const QByteArray base = "\"k1\" = \"Open\";\n\"k2\" = \"Save\";\n\"k3\" = \"Quit\";\n\"k4\" = \"Open\";\n";
+        const QByteArray previous = "\"k1\" = \"Öffnen\";\n\"Open\" = \"Falsch\";\n";
+        const QByteArray dictionary = "\"Open\" = \"Aufmachen\";\n\"Save\" = \"Sichern\";\n\"k3\" = \"Falsch\";\n";
+        const LocFilePtr file = read(base, previous, dictionary);
+        // Previous by key beats the dictionary; the dictionary matches base text, never keys.
+        QCOMPARE(words(file), S("Öffnen+|Sichern+|Quit-|Aufmachen+"));
+        QCOMPARE(file->status(), S("3/4"));
+        QVERIFY(file->warnings().isEmpty());
+    }
+
+    void sameWordFromASourceStillChecks()
+    {
+        const LocFilePtr file = read(B("\"k\" = \"OK\";\n\"l\" = \"Cancel\";\n"), B("\"k\" = \"OK\";"),
+                                     B("\"Cancel\" = \"Cancel\";"));
+        QCOMPARE(words(file), S("OK+|Cancel+"));
+    }
+
+    void singleSpaceStartsChecked()
+    {
+        QCOMPARE(words(read(B("\"k\" = \" \";\n"))), S(" +"));
+    }
+
+    void previousLineBreakAndQuoteComeInEscaped()
+    {
+        const LocFilePtr file = read(B("\"k\" = \"x\";\n"), B("\"k\" = \"eins\\nzwei \\\"drei\\\"\";"));
+        QCOMPARE(file->allEntries().first()->localizedWord(), OptString(S("eins\\nzwei \\\"drei\\\"")));
+    }
+
+    void escapedKeysAndValuesInLookups()
+    {
+        // The previous version is looked up with the key unescaped; the dictionary with the base
+        // word as it stands, escapes and all, so an escaped quote never matches its unescaped key.
+        const QByteArray base = "\"say \\\"hi\\\"\" = \"x\";\n\"k\" = \"say \\\"hi\\\"\";\n\"m\" = \"a\\\\b\";\n";
+        const LocFilePtr file = read(base, B("\"say \\\"hi\\\"\" = \"found\";"),
+                                     B("\"say \\\"hi\\\"\" = \"never\";\n\"a\\\\\\\\b\" = \"literal\";"));
+        QCOMPARE(words(file), S("found+|say \\\"hi\\\"-|literal+"));
+    }
+
+    void emptyKeysAndValues()
+    {
+        const QByteArray base = "\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n";
+        const LocFilePtr file = read(base, B("\"\" = \"leer\";\n\"x\" = \"wrong\";"));
+        QCOMPARE(file->allEntries().size(), 3);
+        const LocEntryPtr emptyValue = file->allEntries().at(0);
+        QCOMPARE(emptyValue->keyWord(), OptString(S("a")));
+        QCOMPARE(emptyValue->baseWord(), OptString(QString()));
+        QVERIFY(!emptyValue->localizedWord());
+        QVERIFY(emptyValue->isChecked());
+        // The empty key looks up its own previous word, not its value's.
+        const LocEntryPtr emptyKey = file->allEntries().at(1);
+        QCOMPARE(StringUtility::wordLength(emptyKey->keyWord()), 0);
+        QCOMPARE(emptyKey->localizedWord(), OptString(S("leer")));
+
+        Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, true);
+        file->resetEntries();
+        Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, false);
+        QCOMPARE(file->entries().size(), 2);
+        QCOMPARE(file->entries().first(), emptyKey);
+
+        const QString folder = exportFolder();
+        file->makeLocalizedFileAt(folder);
+        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
+                 B("\"a\" = \"\";\n\"\" = \"leer\";\n\"\" = \"leer\";\n"));
+    }
+
+    void exportWritesPairLinesAndReturnsTheirMap()
+    {
+        const QByteArray base = "/* c */\n\"OpenKey\" = \"Open\";\n\n\"Quote\" = \"a \\\"b\\\"\";\n\"Keep\" = \"Keep\";\n";
+        const LocFilePtr file = read(base);
+        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
+        file->allEntries().at(1)->setLocalizedWord(S("ein \"b\""));
+        const QString folder = exportFolder();
+        const StringMap pairs = file->makeLocalizedFileAt(folder);
+        const QByteArray written = TestSupport::readFile(folder + S("/Localizable.strings"));
+        QCOMPARE(written, S("\"OpenKey\" = \"Öffnen\";\n\"Quote\" = \"ein \\\"b\\\"\";\n\"Keep\" = \"Keep\";\n").toUtf8());
+        StringMap expected;
+        expected.insert(S("OpenKey"), S("Öffnen"));
+        expected.insert(S("Quote"), S("ein \"b\""));
+        expected.insert(S("Keep"), S("Keep"));
+        QCOMPARE(pairs, expected);
+    }
+
+    void infoPlistTableReturnsNoPairs()
+    {
+        const LocFilePtr file = read(B("CFBundleName = \"Vienna\";\n"), {}, {}, S("InfoPlist.strings"));
+        file->allEntries().first()->setLocalizedWord(S("Wien"));
+        const QString folder = exportFolder();
+        QVERIFY(file->makeLocalizedFileAt(folder).isEmpty());
+        QCOMPARE(TestSupport::readFile(folder + S("/InfoPlist.strings")), B("\"CFBundleName\" = \"Wien\";\n"));
+    }
+
+    void failedWriteIsReported()
+    {
+        const LocFilePtr file = read(B("\"a\" = \"b\";\n"));
+        QVERIFY(file->makeLocalizedFileAt(m_dir.filePath(S("no/such/folder"))).isEmpty());
+        QVERIFY(file->warnings().join(u'\n').contains(S("could not be written")));
+    }
+
+    void encodings_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("warning");  // a piece of the expected warning, or empty for none
+        const QString table = S("/* x */\r\"Å\" = \"Äpfel\";\r\"b\" = \"c\";\r");
+        QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
+        QTest::newRow("UTF-8, CR line ends") << table.toUtf8() << QString();
+        QTest::newRow("UTF-8 with mark") << B("\xEF\xBB\xBF") + table.toUtf8() << QString();
+        QTest::newRow("UTF-16LE with mark") << B("\xFF\xFE") + QByteArray(le.encode(table)) << QString();
+        QTest::newRow("UTF-16BE with mark") << B("\xFE\xFF") + QByteArray(be.encode(table)) << QString();
+        QTest::newRow("UTF-16BE without mark") << QByteArray(be(table)) << S("UTF-16 big-endian");
+        QTest::newRow("Mac Roman") << B("\"\x81\" = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
+    }
+    void encodings()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, warning);
+        const LocFilePtr file = read(bytes);
+        QCOMPARE(file->allEntries().size(), 2);
+        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Å")));
+        QCOMPARE(file->allEntries().first()->baseWord(), OptString(S("Äpfel")));
+        if (warning.isEmpty()) {
+            QCOMPARE(file->warnings(), QStringList());
+        } else {
+            QCOMPARE(file->warnings().size(), 1);
+            QVERIFY2(file->warnings().first().contains(warning), qPrintable(file->warnings().first()));
+        }
+    }
+
+    void byteOrderMarkIsNoPartOfTheFirstLine_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        const QString table = S("CFBundleName = \"Wien\";\n");
+        QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
+        QTest::newRow("UTF-8") << B("\xEF\xBB\xBF") + table.toUtf8();
+        QTest::newRow("UTF-16LE") << B("\xFF\xFE") + QByteArray(le.encode(table));
+        QTest::newRow("UTF-16BE") << B("\xFE\xFF") + QByteArray(be.encode(table));
+    }
+    void byteOrderMarkIsNoPartOfTheFirstLine()
+    {
+        QFETCH(QByteArray, bytes);
+        const LocFilePtr file = read(bytes);
+        QCOMPARE(file->allEntries().size(), 1);
+        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("CFBundleName")));
+        QCOMPARE(file->warnings(), QStringList());
+    }
+
+    void unreadableSourcesAreReportedAndSkipped()
+    {
+        const QByteArray base = "\"Open\" = \"Open\";\n";
+        const LocFilePtr file = read(base, B("\"Open\" = \"Öffnen\""), B("broken = ;"));
+        QCOMPARE(words(file), S("Open-"));
+        QCOMPARE(file->warnings().size(), 2);
+        QVERIFY(file->warnings().at(0).startsWith(S("The previous version")));
+        QVERIFY(file->warnings().at(1).startsWith(S("The dictionary")));
+
+        // A path that names no file is no previous version, and says nothing.
+        const LocFilePtr quiet = LocFile::initWithPath(place(base), OptString(m_dir.filePath(S("none.strings"))),
+                                                       OptString(m_dir.filePath(S("none/Localizable.strings"))));
+        QCOMPARE(quiet->warnings(), QStringList());
+        QCOMPARE(quiet->allEntries().size(), 1);
+    }
+
+    void previousInGuessedEncodingIsStillRead()
+    {
+        QStringEncoder be(QStringConverter::Utf16BE);
+        const QByteArray previous = be.encode(S("\"k\" = \"Äpfel\";\n"));
+        const LocFilePtr file = read(B("\"k\" = \"Apples\";\n"), previous);
+        QCOMPARE(words(file), S("Äpfel+"));
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY(file->warnings().first().contains(S("UTF-16 big-endian")));
+    }
+
+    void fileWithoutPairsSaysSo_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::newRow("empty") << QByteArray("");
+        QTest::newRow("comments only") << B("/* nothing */\n// here\n");
+        QTest::newRow("missing") << QByteArray();
+    }
+    void fileWithoutPairsSaysSo()
+    {
+        QFETCH(QByteArray, bytes);
+        QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
+        const LocFilePtr file = bytes.isNull() ? LocFile::initWithPath(m_dir.filePath(S("gone.strings")), OptString(), OptString())
+                                               : read(bytes);
+        QCOMPARE(file->status(), S("0/0"));
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY(file->warnings().first().contains(file->path()));
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(file->initError(), QString());
+    }
+
+    void propertyListTablesGoToThePropertyListHandler_data()
+    {
+        QTest::addColumn<QString>("form");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("XML") << S("xml") << S("Localizable.strings");
+        QTest::newRow("lower-case declaration") << S("xml-lower") << S("Localizable.strings");
+        QTest::newRow("binary") << S("binary") << S("Localizable.strings");
+        QTest::newRow("binary InfoPlist") << S("binary") << S("InfoPlist.strings");
+    }
+    void propertyListTablesGoToThePropertyListHandler()
+    {
+        QFETCH(QString, form);
+        QFETCH(QString, name);
+        plist::Dictionary dict{{S("OpenKey"), plist::Value::fromString(S("Open"))},
+                               {S("QuitKey"), plist::Value::fromString(S("Quit \"now\""))}};
+        const plist::Value root = plist::Value::fromDictionary(dict);
+        QByteArray bytes = form == S("binary") ? plist::toBinary(root) : plist::toXml(root);
+        if (form == S("xml-lower")) bytes.replace("UTF-8", "utf-8");
+        const QString previous = place(plist::toXml(plist::Value::fromDictionary(
+                                           {{S("OpenKey"), plist::Value::fromString(S("Öffnen"))}})),
+                                       name);
+        const LocFilePtr file = LocFile::initWithPath(place(bytes, name), OptString(), OptString(previous));
+        QCOMPARE(words(file), S("Öffnen+|Quit \\\"now\\\"-"));
+        QCOMPARE(file->warnings(), QStringList());
+
+        // Written back as a property list with the base keys, whatever form it came in.
+        const QString folder = exportFolder();
+        const StringMap pairs = file->makeLocalizedFileAt(folder);
+        const plist::ReadResult out = plist::readFile(folder + u'/' + name);
+        QVERIFY(out.value);
+        QCOMPARE(out.format, plist::Format::Xml);
+        dict[0].second = plist::Value::fromString(S("Öffnen"));
+        QCOMPARE(*out.value, plist::Value::fromDictionary(dict));
+        QCOMPARE(pairs.isEmpty(), name == S("InfoPlist.strings"));
+    }
+
+    void headerLine()
+    {
+        QCOMPARE(stringsHandle::plistHeader(), S("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
+        QVERIFY(stringsHandle::isPropertyListTable("bplist00", QString()));
+        QVERIFY(!stringsHandle::isPropertyListTable("\"a\" = \"<?xml\";", S("\"a\" = \"<?xml\";")));
+        QVERIFY(!stringsHandle::isPropertyListTable("{", S("{")));
+    }
+
+    void brokenPropertyListTableIsReported()
+    {
+        const LocFilePtr file = read(B("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist><dict><key>a</key>"));
+        QCOMPARE(file->allEntries().size(), 0);
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY(file->warnings().first().contains(S("property list")));
+    }
+
+    void otherExtensionsAreNotRead()
+    {
+        LocFile *none = nullptr;
+        const LocFilePtr file = read(B("\"a\" = \"b\";"), {}, {}, S("table.Strings"));
+        QCOMPARE(file.get(), none);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStringsHandler)
+#include "test_strings_handler.moc"
