@@ -146,8 +146,14 @@ bool NibBundle::write(const QString &outPath, const StringMap &translations, QSt
             if (!part->write(target, mapped, error)) return false;
         } else if (!QFile::copy(entry.filePath(), target)) {
             return fail(error, QStringLiteral("\"%1\" could not be copied to \"%2\".").arg(entry.filePath(), target));
+        } else {
+            QFile::setPermissions(target, QFile::permissions(target) | QFileDevice::WriteOwner);
         }
     }
+    // A temporary folder is private to its owner; the nib folder is an ordinary one.
+    QFile::setPermissions(staging.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner
+                                              | QFileDevice::ReadGroup | QFileDevice::ExeGroup | QFileDevice::ReadOther
+                                              | QFileDevice::ExeOther);
     return swapIn(staging, outPath, error);
 }
 
