@@ -92,6 +92,7 @@ void XibFile::collect()
     for (int i = 0; i < int(elements.size()); ++i) {
         const XmlAttribute *id = elements[size_t(i)].attribute("id");
         if (!id || id->value.isEmpty()) continue;
+        m_objectClasses.insert(id->value, className(i));
         const QString note = noteOf(i);
         if (m_flavor == Flavor::Cocoa) collectCocoa(i, id->value, note);
         else collectTouch(i, id->value, note);
@@ -250,6 +251,17 @@ int LegacyXibFile::resolve(int index) const
     return -1;
 }
 
+QString LegacyXibFile::shownClass(int object) const
+{
+    const QString cls = m_xml.element(object).attributeValue("class");
+    if (cls != QLatin1String("NSWindowTemplate")) return cls;
+    // A window is archived as its template; the table names the window's class.
+    QString windowClass;
+    ValueLocation ignored;
+    archivedString(object, "NSWindowClass", &windowClass, &ignored);
+    return windowClass == QLatin1String("NSPanel") ? windowClass : QStringLiteral("NSWindow");
+}
+
 int LegacyXibFile::keyedChild(int object, const char *key) const
 {
     for (int c : m_xml.element(object).children) {
@@ -314,6 +326,7 @@ void LegacyXibFile::collect()
         const int object = resolve(objElement);
         if (object < 0 || oid.isEmpty()) continue;
         objectIds.insert(object, oid);
+        m_objectClasses.insert(oid, shownClass(object));
     }
 
     auto stringProp = [&](int object, const char *key, const QString &oid, const QString &cls, const QString &prop) {
@@ -334,11 +347,7 @@ void LegacyXibFile::collect()
         const QString &oid = *it;
         const QString cls = elements[size_t(i)].attributeValue("class");
         if (cls == QLatin1String("NSWindowTemplate")) {
-            QString windowClass;
-            ValueLocation ignored;
-            archivedString(i, "NSWindowClass", &windowClass, &ignored);
-            const QString shown = windowClass == QLatin1String("NSPanel") ? windowClass : QStringLiteral("NSWindow");
-            stringProp(i, "NSWindowTitle", oid, shown, QStringLiteral("title"));
+            stringProp(i, "NSWindowTitle", oid, shownClass(i), QStringLiteral("title"));
         } else if (cls == QLatin1String("NSMenu") || cls == QLatin1String("NSMenuItem")) {
             stringProp(i, "NSTitle", oid, cls, QStringLiteral("title"));
         } else if (cls == QLatin1String("NSButtonCell")) {

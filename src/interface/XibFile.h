@@ -42,6 +42,8 @@ private:
     // NSMutableString/NSString with NS.bytes, NSAttributedString's NSString; references followed.
     bool archivedString(int object, const char *key, QString *value, ValueLocation *where) const;
     int keyedChild(int object, const char *key) const;
+    // The Class a table names for an archived object.
+    QString shownClass(int object) const;
 
     QHash<QString, int> m_byXmlId;  // XML id attribute → element
 };

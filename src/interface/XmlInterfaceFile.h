@@ -39,6 +39,9 @@ public:
     bool merged(const StringMap &translations, QByteArray *out, QString *error) const;
 
     const XmlDocument &xml() const { return m_xml; }
+    // Every object of the file (localizable or not): its ObjectID → its Class as a table's
+    // comment names it. Tells a stale key (object gone) from a live one.
+    const QHash<QString, QString> &objectClasses() const { return m_objectClasses; }
     // 0 UTF-8, 1 UTF-16LE, 2 UTF-16BE: the form that write() produces.
     void setEncoding(int encoding) { m_encoding = Encoding(encoding); }
 
@@ -50,6 +53,7 @@ protected:
     bool readValue(int holder, const char *name, QString *value, ValueLocation *where) const;
 
     XmlDocument m_xml;
+    QHash<QString, QString> m_objectClasses;
     // Text files that were UTF-16 are parsed as UTF-8 and written back as they came.
     enum class Encoding { Utf8, Utf16LE, Utf16BE } m_encoding = Encoding::Utf8;
 
