@@ -10,7 +10,6 @@
 #include "PlistInternal.h"
 
 #include <QHash>
-#include <QSet>
 #include <QStringDecoder>
 
 #include <cmath>
@@ -59,8 +58,9 @@ private:
     quint64 m_objects = 0;
     quint64 m_top = 0;
     quint64 m_table = 0;
-    QHash<quint64, Parsed> m_cache;  // by offset
-    QSet<quint64> m_open;             // offsets of containers being parsed
+    // Parsed objects by offset. A container being parsed has an entry whose expanded count is
+    // 0, so meeting it again means a cycle.
+    QHash<quint64, Parsed> m_cache;
     QString m_error;
 };
 
@@ -159,12 +159,19 @@ std::optional<BinaryReader::Parsed> BinaryReader::object(quint64 ref, int depth)
     if (depth > MaxDepth)
         return fail(QStringLiteral("objects nested more than %1 levels deep").arg(MaxDepth));
     const auto cached = m_cache.constFind(offset);
-    if (cached != m_cache.cend())
+    if (cached != m_cache.cend()) {
+        if (cached->expanded == 0)
+            return fail(QStringLiteral("object %1 contains itself (a cycle of references)").arg(ref));
         return *cached;
-    if (m_open.contains(offset))
-        return fail(QStringLiteral("object %1 contains itself (a cycle of references)").arg(ref));
+    }
+    // Containers must be cached, or a shared one would be parsed again for every reference;
+    // strings are worth it as keys repeat. Numbers are quicker to read again than to look up.
+    const quint8 kind = m_p[offset] >> 4;
+    const bool container = kind >= 0xA && kind <= 0xD;
+    if (container)
+        m_cache.insert(offset, Parsed{Value(), 0});
     std::optional<Parsed> parsed = parse(offset, depth);
-    if (parsed)
+    if (parsed && (container || kind == 0x4 || kind == 0x5 || kind == 0x6))
         m_cache.insert(offset, *parsed);
     return parsed;
 }
@@ -284,28 +291,22 @@ std::optional<BinaryReader::Parsed> BinaryReader::parseContainer(quint64 offset,
     if (n > (m_table - qMin(pos, m_table)) / (quint64(m_refSize) * refs))
         return fail(QStringLiteral("container at offset %1 claims %2 entries, more than the file holds")
                         .arg(offset).arg(n));
-    m_open.insert(offset);
-    std::optional<Parsed> result;
-    if (isDictionary) {
-        result = parseDictionary(offset, pos, n, depth);
-    } else {
-        // Arrays, and sets and ordered sets, which a property list reads as arrays.
-        Array items;
-        items.reserve(qsizetype(n));
-        quint64 expanded = 1;
-        for (quint64 i = 0; i < n; ++i) {
-            std::optional<Parsed> item = object(uint(pos + i * quint64(m_refSize), m_refSize), depth + 1);
-            if (!item)
-                return std::nullopt;
-            expanded += item->expanded;
-            if (expanded > MaxExpandedValues)
-                return fail(QStringLiteral("the list expands to more than %1 values").arg(MaxExpandedValues));
-            items.append(std::move(item->value));
-        }
-        result = Parsed{Value::fromArray(items), expanded};
+    if (isDictionary)
+        return parseDictionary(offset, pos, n, depth);
+    // Arrays, and sets and ordered sets, which a property list reads as arrays.
+    Array items;
+    items.reserve(qsizetype(n));
+    quint64 expanded = 1;
+    for (quint64 i = 0; i < n; ++i) {
+        std::optional<Parsed> item = object(uint(pos + i * quint64(m_refSize), m_refSize), depth + 1);
+        if (!item)
+            return std::nullopt;
+        expanded += item->expanded;
+        if (expanded > MaxExpandedValues)
+            return fail(QStringLiteral("the list expands to more than %1 values").arg(MaxExpandedValues));
+        items.append(std::move(item->value));
     }
-    m_open.remove(offset);
-    return result;
+    return Parsed{Value::fromArray(items), expanded};
 }
 
 std::optional<BinaryReader::Parsed> BinaryReader::parseDictionary(quint64 offset, quint64 pos, quint64 n, int depth)

@@ -116,6 +116,7 @@ void HostileTest::binaryRefused_data()
     addRow("32-byte integer", one("15 00").build(), "invalid size");
     addRow("2-byte real", one("21 0000").build(), "invalid size");
     addRow("date that is NaN", one("33 7FF8000000000000").build(), "date at offset 8 is out of range");
+    addRow("date in the year 17845", one("33 425D1A94A2000000").build(), "date at offset 8 is out of range");
     addRow("integer beyond 64 bits", one("14 0000000000000001 0000000000000000").build(), "does not fit 64 bits");
     addRow("integer cut short", one("13 0102").build(), "runs past the object area");
     BinaryBuilder narrowRefs = one("51 61");

@@ -149,6 +149,8 @@ void ReaderTest::formDetection_data()
         << QByteArray("/* c */ (a, b)") << Format::OpenStep << QStringLiteral("[\n  \"a\",\n  \"b\"\n]\n");
     QTest::newRow("openstep in Mac Roman")
         << QByteArray("{ k = \"caf\x8e\"; }") << Format::OpenStep << QStringLiteral("{\n  \"k\": \"caf\u00e9\"\n}\n");
+    QTest::newRow("openstep lone surrogate, which UTF-8 cannot hold")
+        << QByteArray("( \"a\\UD800b\" )") << Format::OpenStep << QStringLiteral("[\n  \"a\uFFFDb\"\n]\n");
     QTest::newRow("openstep with UTF-8 byte-order mark")
         << QByteArray("\xEF\xBB\xBF{ k = v; }") << Format::OpenStep << QStringLiteral("{\n  \"k\": \"v\"\n}\n");
 }

@@ -161,6 +161,10 @@ void WriterTest::xmlDatesAreWholeSeconds()
     const Value before2001 = Value::fromDate(utc(2000, 12, 31, 23, 59, 59, 500));
     QVERIFY(toXml(before2001).contains("<date>2000-12-31T23:59:59Z</date>"));
     QVERIFY(*read(toBinary(afterward)).value == afterward);
+    // A fraction in XML is dropped on reading, so the value is what will be written again.
+    const ReadResult fraction = read("<plist><date>2001-01-01T00:00:01.75Z</date></plist>");
+    QVERIFY2(fraction.value, qPrintable(fraction.error));
+    QCOMPARE(fraction.value->date(), utc(2001, 1, 1, 0, 0, 1));
 }
 
 void WriterTest::orderAndRepeatedKeysKept()
