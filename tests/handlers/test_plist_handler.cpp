@@ -1,0 +1,297 @@
+// The property-list handler through LocFile: the walk and its order, which source fills a word
+// (dictionary, else previous version by place), check marks, escaping both ways, the export of
+// the tree with keys and scalars untouched, the returned pairs and what the user is told.
+#include "Handlers.h"
+#include "LocFile.h"
+#include "NotificationCenter.h"
+#include "PlistHandler.h"
+#include "PlistWordEscaping.h"
+#include "PropertyList.h"
+#include "TestSupport.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using plist::Value;
+Q_DECLARE_METATYPE(plist::Value)
+
+namespace {
+QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+Value str(const char *utf8) { return Value::fromString(S(utf8)); }
+Value dict(const plist::Dictionary &d) { return Value::fromDictionary(d); }
+Value arr(const plist::Array &a) { return Value::fromArray(a); }
+
+// Base words with their marks, as the table would show them.
+QString words(const LocFilePtr &file)
+{
+    QStringList list;
+    for (const LocEntryPtr &e : file->allEntries())
+        list << plistHandle::writtenWord(*e) + (e->isChecked() ? S("+") : S("-"));
+    return list.join(u'|');
+}
+
+// A list with strings at every depth, scalars among them.
+Value sampleList()
+{
+    return dict({{S("CFBundleName"), str("Mail")},
+                 {S("CFBundleVersion"), Value::fromInteger(42)},
+                 {S("Items"), arr({str("Open"), Value::fromBoolean(true), dict({{S("Title"), str("Save")}}),
+                                   arr({str("Quit")})})},
+                 {S("Ratio"), Value::fromReal(0.5)},
+                 {S("Stamp"), Value::fromDate(QDateTime(QDate(2009, 3, 1), QTime(12, 0), Qt::UTC))},
+                 {S("Blob"), Value::fromData(QByteArray("\x00\x01\xFF", 3))},
+                 {S("Again"), str("Open")},
+                 {S("Empty"), str("")}});
+}
+}  // namespace
+
+class TestPlistHandler : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    int m_count = 0;
+
+    QString place(const QByteArray &bytes, const QString &name = QStringLiteral("Info.plist"))
+    {
+        return TestSupport::writeFile(m_dir.filePath(QStringLiteral("f%1/%2").arg(++m_count).arg(name)), bytes);
+    }
+    LocFilePtr read(const Value &base, const std::optional<Value> &previous = {}, const QByteArray &dictionary = {})
+    {
+        const QString basePath = place(plist::toXml(base));
+        OptString prev, dict;
+        if (previous) prev = place(plist::toXml(*previous));
+        if (!dictionary.isNull()) dict = place(dictionary, S("en-de.strings"));
+        return LocFile::initWithPath(basePath, dict, prev);
+    }
+    // Exports and reads the result back.
+    Value exported(const LocFilePtr &file, StringMap *pairs = nullptr)
+    {
+        const QString folder = m_dir.filePath(QStringLiteral("out%1").arg(++m_count));
+        QDir().mkpath(folder);
+        const StringMap got = file->makeLocalizedFileAt(folder);
+        if (pairs) *pairs = got;
+        const plist::ReadResult result = plist::readFile(folder + u'/' + QFileInfo(file->path()).fileName());
+        return result.value.value_or(Value::fromInteger(-1));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        TestSupport::isolate(m_dir);
+        registerResourceHandlers();
+    }
+
+    void everyStringInFileOrder()
+    {
+        QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
+        const LocFilePtr file = read(sampleList());
+        QCOMPARE(words(file), S("Mail-|Open-|Save-|Quit-|Open-|+"));
+        QCOMPARE(file->allEntries().first()->entry(), S("\"Mail\" = \"Mail\";"));
+        QVERIFY(!file->allEntries().first()->keyWord());
+        QCOMPARE(finished.size(), 1);
+        QCOMPARE(file->warnings(), QStringList());
+    }
+
+    void dictionaryWinsThenPreviousByPlace()
+    {
+        const Value base = dict({{S("A"), str("Open")},
+                                 {S("B"), str("Save")},
+                                 {S("List"), arr({str("One"), str("Two"), str("Three")})},
+                                 {S("Sub"), dict({{S("X"), str("Quit")}})},
+                                 {S("C"), str("Close")}});
+        const Value previous = dict({{S("C"), str("Schließen")},            // order does not matter
+                                     {S("A"), str("Öffnen")},               // the dictionary beats it
+                                     {S("B"), str("Sichern")},
+                                     {S("List"), arr({str("Eins"), Value::fromInteger(2)})},  // shorter, a number
+                                     {S("Sub"), arr({str("Beenden")})},      // another kind at that place
+                                     {S("Save"), str("by text: never")}});
+        const LocFilePtr file = read(base, previous, "\"Open\" = \"Aufmachen\";\n\"Three\" = \"Drei\";\n");
+        QCOMPARE(words(file), S("Aufmachen+|Sichern+|Eins+|Two-|Drei+|Quit-|Schließen+"));
+        QCOMPARE(file->status(), S("5/7"));
+    }
+
+    void previousArrayRoot()
+    {
+        const LocFilePtr file = read(arr({str("a"), dict({{S("k"), str("b")}})}),
+                                     arr({str("A"), dict({{S("k"), str("B")}})}));
+        QCOMPARE(words(file), S("A+|B+"));
+    }
+
+    void wordEqualToBaseStillChecks()
+    {
+        const LocFilePtr file = read(dict({{S("a"), str("OK")}, {S("b"), str("Cancel")}}),
+                                     dict({{S("a"), str("OK")}}));
+        QCOMPARE(words(file), S("OK+|Cancel-"));
+    }
+
+    void previousOfAnotherKindIsReported()
+    {
+        const LocFilePtr file = read(dict({{S("a"), str("x")}}), arr({str("y")}));
+        QCOMPARE(words(file), S("x-"));
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY(file->warnings().first().contains(S("previous version")));
+    }
+
+    void exportReplacesStringsOnly()
+    {
+        const LocFilePtr file = read(sampleList(), std::nullopt, "\"Open\" = \"Öffnen\";\n\"Mail\" = \"Post\";\n");
+        // Both places of "Open" take the first entry's word, even after the second is edited.
+        file->allEntries().at(4)->setLocalizedWord(S("Anders"));
+        file->allEntries().at(3)->setLocalizedWord(S("Beenden"));
+        file->allEntries().at(5)->setLocalizedWord(S("nicht leer"));
+        StringMap pairs;
+        const Value out = exported(file, &pairs);
+        Value expected = sampleList();
+        expected.dictionary()[0].second = str("Post");
+        expected.dictionary()[2].second.array()[0] = str("Öffnen");
+        expected.dictionary()[2].second.array()[3].array()[0] = str("Beenden");
+        expected.dictionary()[6].second = str("Öffnen");
+        QCOMPARE(out, expected);
+        StringMap want;
+        want.insert(S("Mail"), S("Post"));
+        want.insert(S("Open"), S("Anders"));  // the later entry's word, as the dictionary keeps it
+        want.insert(S("Quit"), S("Beenden"));
+        QCOMPARE(pairs, want);
+    }
+
+    void exportIsAppleXml()
+    {
+        const LocFilePtr file = read(dict({{S("a"), str("b")}}));
+        const QString folder = m_dir.filePath(S("xml"));
+        QDir().mkpath(folder);
+        file->makeLocalizedFileAt(folder);
+        const QByteArray xml = TestSupport::readFile(folder + S("/Info.plist"));
+        QVERIFY(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC"));
+        QVERIFY(xml.contains("\n<dict>\n\t<key>a</key>\n\t<string>b</string>\n</dict>\n"));
+    }
+
+    void untranslatedStringsComeBackExactly_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::newRow("quotes") << S("Say \"hi\"");
+        QTest::newRow("quote then semicolon") << S("Press \"Return\"; then wait");
+        QTest::newRow("quote then equals") << S("key\" = \"value");
+        QTest::newRow("backslashes") << S("C:\\dir\\new \\\\ \\n \\\"");
+        QTest::newRow("line breaks") << S("one\ntwo\r\nthree\rfour");
+        QTest::newRow("tab and percent") << S("\t%1 %@ %d");
+        QTest::newRow("comment marks") << S("/* a */ */\n\"");
+        QTest::newRow("ends with backslash") << S("trailing\\");
+    }
+    void untranslatedStringsComeBackExactly()
+    {
+        QFETCH(QString, text);
+        const Value base = dict({{S("k"), Value::fromString(text)}, {S("l"), arr({Value::fromString(text)})}});
+        const LocFilePtr file = read(base);
+        QCOMPARE(file->allEntries().size(), 2);
+        const LocEntryPtr e = file->allEntries().first();
+        // The entry reads back whole: base and localized word agree and nothing is checked.
+        QCOMPARE(e->localizedWord(), e->baseWord());
+        QVERIFY(!e->isChecked());
+        QCOMPARE(file->entryForKey(e->baseWord()), e);
+        QCOMPARE(exported(file), base);
+        QCOMPARE(unescapePlistWord(escapePlistWord(text)), text);
+    }
+
+    void typedWordsAreWrittenAsTyped_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("plain quotes") << S("Sag \"hallo\"") << S("Sag \"hallo\"");
+        QTest::newRow("escaped quotes as shown") << S("Sag \\\"hallo\\\"") << S("Sag \"hallo\"");
+        QTest::newRow("quote then semicolon") << S("\"Eingabe\"; dann") << S("\"Eingabe\"; dann");
+        QTest::newRow("escaped line break") << S("eins\\nzwei") << S("eins\nzwei");
+        QTest::newRow("typed line break") << S("eins\nzwei") << S("eins\nzwei");
+        QTest::newRow("lone backslash") << S("C:\\Ordner") << S("C:\\Ordner");
+        QTest::newRow("non-ASCII") << S("Öffnen…") << S("Öffnen…");
+    }
+    void typedWordsAreWrittenAsTyped()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QString, written);
+        const LocFilePtr file = read(dict({{S("k"), str("Say \"hi\"")}}));
+        file->allEntries().first()->setLocalizedWord(typed);
+        StringMap pairs;
+        QCOMPARE(exported(file, &pairs), dict({{S("k"), Value::fromString(written)}}));
+        StringMap want;
+        want.insert(S("Say \"hi\""), written);
+        QCOMPARE(pairs, want);
+    }
+
+    void dictionaryWordsAreStoredEscaped()
+    {
+        const LocFilePtr file = read(dict({{S("k"), str("a \"b\"")}}), std::nullopt,
+                                     "\"a \\\"b\\\"\" = \"ein \\\"b\\\"; c\";");
+        QCOMPARE(file->allEntries().first()->localizedWord(), OptString(S("ein \\\"b\\\"\\; c")));
+        QCOMPARE(exported(file), dict({{S("k"), str("ein \"b\"; c")}}));
+    }
+
+    void otherForms_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<Value>("tree");
+        const Value binary = dict({{S("a"), str("x")}, {S("n"), Value::fromInteger(1)}});
+        QTest::newRow("binary") << plist::toBinary(binary) << binary;
+        QTest::newRow("OpenStep") << QByteArray("{ a = x; n = (\"y\", <0fbd77>); }")
+                                  << dict({{S("a"), str("x")},
+                                           {S("n"), arr({str("y"), Value::fromData(QByteArray("\x0f\xbd\x77"))})}});
+        QTest::newRow("string table") << QByteArray("\"a\" = \"x\";\n") << dict({{S("a"), str("x")}});
+    }
+    void otherForms()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(Value, tree);
+        const LocFilePtr file = LocFile::initWithPath(place(bytes), OptString(), OptString());
+        QCOMPARE(file->allEntries().first()->baseWord(), OptString(S("x")));
+        QCOMPARE(file->warnings(), QStringList());
+        // Written as XML, the tree unchanged.
+        QCOMPARE(exported(file), tree);
+    }
+
+    void fileWithoutEntriesSaysWhy_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("not a list") << QByteArray("<?xml version=\"1.0\"?><plist><dict><key>a") << S("could not be read");
+        QTest::newRow("empty dictionary") << plist::toXml(dict({})) << S("no array or dictionary");
+        QTest::newRow("scalar root") << plist::toXml(Value::fromInteger(3)) << S("no array or dictionary");
+        QTest::newRow("no strings") << plist::toXml(arr({Value::fromInteger(1), Value::fromBoolean(false)}))
+                                    << S("no strings");
+    }
+    void fileWithoutEntriesSaysWhy()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, why);
+        QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
+        const LocFilePtr file = LocFile::initWithPath(place(bytes), OptString(), OptString());
+        QCOMPARE(file->status(), S("0/0"));
+        QCOMPARE(file->initError(), QString());
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY2(file->warnings().first().contains(why), qPrintable(file->warnings().first()));
+        QCOMPARE(finished.size(), 1);
+    }
+
+    void unreadableSourcesAreReported()
+    {
+        const QString base = place(plist::toXml(dict({{S("a"), str("x")}})));
+        const QString previous = place("<plist><dict>");
+        const QString dictionary = place("\"x\" = ", S("en-de.strings"));
+        const LocFilePtr file = LocFile::initWithPath(base, OptString(dictionary), OptString(previous));
+        QCOMPARE(words(file), S("x-"));
+        QCOMPARE(file->warnings().size(), 2);
+        QVERIFY(file->warnings().join(u'\n').contains(previous));
+        QVERIFY(file->warnings().join(u'\n').contains(dictionary));
+    }
+
+    void baseGoneAtExportIsReported()
+    {
+        const LocFilePtr file = read(dict({{S("a"), str("x")}}), std::nullopt, "\"x\" = \"y\";");
+        QFile::remove(file->path());
+        StringMap pairs;
+        QCOMPARE(exported(file, &pairs), Value::fromInteger(-1));
+        QCOMPARE(pairs.value(S("x")), S("y"));
+        QVERIFY(file->warnings().join(u'\n').contains(S("was not written")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPlistHandler)
+#include "test_plist_handler.moc"
