@@ -1,6 +1,5 @@
 #include "InterfaceFile.h"
 
-#include "NibFolder.h"
 #include "XmlInterfaceFile.h"
 #include "nib/CompiledNib.h"
 
@@ -14,11 +13,6 @@ namespace {
 // Interface files are a few megabytes at most; this bounds what a hostile one can make us read.
 constexpr qint64 kMaxFileSize = 256 * 1024 * 1024;
 
-bool looksCompiled(const QByteArray &bytes)
-{
-    return bytes.startsWith("NIBArchive") || bytes.startsWith("bplist");
-}
-
 }  // namespace
 
 std::unique_ptr<InterfaceFile> openInterfaceFile(const QString &path, QString *error)
@@ -30,20 +24,16 @@ std::unique_ptr<InterfaceFile> openInterfaceFile(const QString &path, QString *e
     const QFileInfo info(path);
     if (!info.exists()) return fail(QStringLiteral("There is no such file."));
 
-    // Compiled nibs (NIBArchive, keyed archive) and nib folders with all their variants.
+    // Compiled nibs (NIBArchive, keyed archive) and nib folders with all their variants,
+    // designable.nib included.
     if (nib::isCompiledNib(path)) return nib::openCompiledNib(path, error);
 
-    if (info.isDir()) return openNibFolder(path, error);
-
+    // Everything else is XML: a xib, a storyboard or a legacy archive.
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return fail(file.errorString() + u'.');
     if (file.size() > kMaxFileSize) return fail(QStringLiteral("The file is too large to be an interface file."));
     const QByteArray bytes = file.readAll();
     if (bytes.isEmpty()) return fail(QStringLiteral("The file is empty."));
-
-    // Compiled nib → nib::open… when that reader is there; until then an empty file that says why.
-    if (looksCompiled(bytes)) return unsupportedCompiledNib(path);
-
     QString why;
     auto xml = openXmlInterfaceFile(bytes, &why);
     if (!xml) return fail(why);

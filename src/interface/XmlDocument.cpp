@@ -134,7 +134,7 @@ bool XmlDocument::parse(const QByteArray &utf8, const Limits &limits, QString *e
 
     {
         QStringDecoder check(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
-        (void)check.decode(m_bytes);
+        const QString decoded = check.decode(m_bytes);  // decoding is lazy until assigned
         if (check.hasError()) return fail(QStringLiteral("the file is not valid UTF-8 text"), 0);
     }
     if (size >= 3 && std::memcmp(data, "\xEF\xBB\xBF", 3) == 0) pos = 3;
