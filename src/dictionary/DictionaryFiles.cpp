@@ -16,7 +16,9 @@ QString applicationSupportPathForName(const QString &name)
 {
     const QString base = folderPathForFolderType(QStringLiteral("asup"));
     const QString path = base.isEmpty() ? name : QDir(base).filePath(name);
-    if (!QFileInfo::exists(path)) QDir().mkdir(path);  // one level; a failure shows at the first write
+    // The data folder itself may not exist yet on a fresh account (or a new XDG_DATA_HOME), so the
+    // whole path is made; a failure shows at the first write.
+    if (!QFileInfo::exists(path)) QDir().mkpath(path);
     return path;
 }
 

@@ -11,8 +11,8 @@
 // known here; any other type gives an empty path. Nothing is created.
 QString folderPathForFolderType(const QString &folderType);
 
-// The application-support folder joined with `name`, created (one level) when nothing exists
-// there. The path is returned whether or not the creation succeeded.
+// The application-support folder joined with `name`, created (with the folders above it) when
+// nothing exists there. The path is returned whether or not the creation succeeded.
 QString applicationSupportPathForName(const QString &name);
 
 namespace DictionaryFiles {

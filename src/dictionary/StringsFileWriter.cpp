@@ -17,7 +17,8 @@ QString escapeWord(const QString &word)
         } else if (c.isHighSurrogate() && i + 1 < n && word.at(i + 1).isLowSurrogate()) {
             out.append(c);
             out.append(word.at(++i));
-        } else if (c.isSurrogate()) {
+        } else if (c.isSurrogate() || c == QChar(0xFEFF)) {
+            // A byte-order mark inside a word would be taken for one by some readers.
             // The reader turns \U and four hex digits back into this one UTF-16 unit.
             out.append(QStringLiteral("\\U%1").arg(c.unicode(), 4, 16, QLatin1Char('0')));
         } else {

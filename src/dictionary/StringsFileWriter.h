@@ -11,7 +11,8 @@
 namespace StringsFileWriter {
 
 // A word as it stands between the quotes: backslash and quote escaped, a line feed kept as it
-// is, an unpaired UTF-16 surrogate written as \UXXXX (UTF-8 cannot carry it).
+// is, an unpaired UTF-16 surrogate (UTF-8 cannot carry it) and U+FEFF (readers drop it as a
+// byte-order mark) written as \UXXXX.
 QString escapeWord(const QString &word);
 
 }  // namespace StringsFileWriter
