@@ -177,10 +177,14 @@ StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
     removeAnything(output);
     if (table) {
         QString failure;
-        const bool ok = runTool(file.path(),
+        bool ok = runTool(file.path(),
                                 {base.fileName(), QStringLiteral("--strings-file"), QFileInfo(*table).fileName(),
                                  QStringLiteral("--write"), output},
                                 &failure, nullptr);
+        if (ok && !QFileInfo::exists(output)) {
+            ok = false;
+            failure = QStringLiteral("The interface tool wrote no file.");
+        }
         if (!ok) {
             // A tool that failed or was stopped may have left half a file.
             removeAnything(output);

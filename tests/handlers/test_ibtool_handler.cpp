@@ -1,0 +1,288 @@
+// The ibtool handler through LocFile: the tool's table split into entries, previous version
+// before dictionary, check marks, the export and its pairs, the exact command lines, and what
+// happens when the tool is missing, fails or hangs. Runs the built vocabrix-ibtool (found
+// through VOCABRIX_TOOLS_DIR) and, for the failures, small stand-in scripts.
+
+#include "Handlers.h"
+#include "IbtoolHandler.h"
+#include "LocFile.h"
+#include "NotificationCenter.h"
+#include "TestSupport.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+
+QByteArray xib(const char *window, const char *button, const char *field)
+{
+    return QByteArray(
+               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+               "<document type=\"com.apple.InterfaceBuilder3.Cocoa.XIB\" version=\"3.0\">\n"
+               "    <objects>\n"
+               "        <window title=\"")
+           + window
+           + "\" id=\"1\">\n"
+             "            <view key=\"contentView\" id=\"2\">\n"
+             "                <subviews>\n"
+             "                    <button id=\"10\">\n"
+             "                        <buttonCell key=\"cell\" title=\""
+           + button
+           + "\" id=\"11\"/>\n"
+             "                    </button>\n"
+             "                    <textField id=\"20\">\n"
+             "                        <textFieldCell key=\"cell\" title=\""
+           + field
+           + "\" id=\"Ab1-cd-EF2\"/>\n"
+             "                    </textField>\n"
+             "                </subviews>\n"
+             "            </view>\n"
+             "        </window>\n"
+             "    </objects>\n"
+             "</document>\n";
+}
+
+QByteArray utf16(const QString &text)
+{
+    QByteArray bytes("\xFF\xFE", 2);
+    for (QChar c : text) bytes.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
+    return bytes;
+}
+
+QStringList words(const LocFilePtr &file)
+{
+    QStringList list;
+    for (const LocEntryPtr &e : file->allEntries())
+        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
+    return list;
+}
+
+}  // namespace
+
+class TestIbtoolHandler : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    int m_count = 0;
+
+    // A fresh folder per case.
+    QString folder()
+    {
+        const QString f = m_dir.filePath(QStringLiteral("case%1").arg(++m_count));
+        QDir().mkpath(f);
+        return f;
+    }
+    // A stand-in tool: logs "working directory|arguments" to a file, then runs `body`.
+    QString fakeTool(const QString &in, const QByteArray &body)
+    {
+        const QString path = QDir(in).filePath(QStringLiteral("fake-ibtool"));
+        TestSupport::writeFile(path, "#!/bin/sh\necho \"$PWD|$*\" >> \"" + QDir(in).filePath(QStringLiteral("log")).toUtf8()
+                                         + "\"\n" + body + "\n");
+        QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
+        qputenv("VOCABRIX_IBTOOL", path.toUtf8());
+        return path;
+    }
+    static QStringList filesIn(const QString &dir)
+    {
+        return QDir(dir).entryList(QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        TestSupport::isolate(m_dir);
+        qunsetenv("VOCABRIX_SYSTEM_VERSION");
+        registerResourceHandlers();
+        const QString tool = QDir(qEnvironmentVariable("VOCABRIX_TOOLS_DIR")).filePath(QStringLiteral("vocabrix-ibtool"));
+        if (!QFileInfo(tool).isExecutable()) QFAIL("vocabrix-ibtool is not built (VOCABRIX_TOOLS_DIR)");
+    }
+
+    void cleanup()
+    {
+        qunsetenv("VOCABRIX_IBTOOL");
+        qunsetenv("VOCABRIX_TOOL_TIMEOUT");
+    }
+
+    void readsOneEntryPerBlock()
+    {
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
+        const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
+        QVERIFY(file);
+        QCOMPARE(file->initError(), QString());
+        QCOMPARE(file->allEntries().size(), 3);
+        QCOMPARE(file->allEntries()[0]->entry(),
+                 S("/* Class = \"NSWindow\"; title = \"Prefs\"; ObjectID = \"1\"; */\n\"1.title\" = \"Prefs\";"));
+        // The last block has the same form as the others.
+        const LocEntryPtr last = file->allEntries()[2];
+        QCOMPARE(last->entry(), S("/* Class = \"NSTextFieldCell\"; title = \"Name:\"; ObjectID = \"Ab1-cd-EF2\"; */\n"
+                                  "\"Ab1-cd-EF2.title\" = \"Name:\";"));
+        QCOMPARE(last->objectID(), OptString(S("Ab1-cd-EF2")));
+        QCOMPARE(last->wordType(), OptString(S("title")));
+        QCOMPARE(last->baseWord(), OptString(S("Name:")));
+        QCOMPARE(file->entries().size(), 3);
+        QCOMPARE(finished.count(), 0);  // this reading is synchronous and announces nothing
+        QCOMPARE(filesIn(dir), QStringList{S("Prefs.xib")});  // the tool's table is gone
+    }
+
+    void previousVersionBeforeDictionary()
+    {
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Base.lproj/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        // The previous version translates the window and leaves the field's title empty.
+        const QString previous = TestSupport::writeFile(dir + QStringLiteral("/fr.lproj/Prefs.xib"), xib("Préférences", "D'accord", ""));
+        const QString dictionary = TestSupport::writeFile(
+            dir + QStringLiteral("/en-fr.strings"),
+            "\"Prefs\" = \"Réglages\";\n\"OK\" = \"Valider\";\n\"Name:\" = \"Nom :\";\n");
+        const LocFilePtr file = LocFile::initWithPath(path, OptString(dictionary), OptString(previous));
+        QCOMPARE(file->initError(), QString());
+        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Nom :+")}));
+        QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Prefs.xib")});
+        QCOMPARE(filesIn(dir + QStringLiteral("/Base.lproj")), QStringList{S("Prefs.xib")});
+
+        // A dictionary that keeps a word as it is marks the entry done; others stay unchecked.
+        const QString same = TestSupport::writeFile(dir + QStringLiteral("/same.strings"), "\"OK\" = \"OK\";\n");
+        const LocFilePtr plain = LocFile::initWithPath(path, OptString(same), std::nullopt);
+        QCOMPARE(words(plain), (QStringList{S("Prefs-"), S("OK+"), S("Name:-")}));
+        QCOMPARE(LocFile::initWithPath(path, OptString(S("")), OptString(S("")))->allEntries().size(), 3);
+    }
+
+    void exportWritesTheLocalizedFile()
+    {
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
+        file->allEntries()[0]->setLocalizedWord(S("Einstellungen \"neu\""));
+        file->allEntries()[2]->setLocalizedWord(S("Name\nzweizeilig"));
+        const QString out = dir + QStringLiteral("/de.lproj");
+        // Whatever stood at the output path goes, a folder included.
+        TestSupport::writeFile(out + QStringLiteral("/Prefs.xib/stale.txt"), "old");
+
+        const StringMap pairs = file->makeLocalizedFileAt(out);
+        // Words as entries hold them: escaped for a string table.
+        QCOMPARE(pairs.value(S("Prefs")), S("Einstellungen \\\"neu\\\""));
+        QCOMPARE(pairs.value(S("OK")), S("OK"));  // unchanged words are pairs too
+        QCOMPARE(pairs.value(S("Name:")), S("Name\nzweizeilig"));
+        QCOMPARE(pairs.size(), 3);
+        const QByteArray written = TestSupport::readFile(out + QStringLiteral("/Prefs.xib"));
+        QVERIFY2(written.contains("<window title=\"Einstellungen &quot;neu&quot;\" id=\"1\">"), written.constData());
+        QVERIFY(written.contains("<string key=\"title\">Name\nzweizeilig</string>"));
+        QCOMPARE(filesIn(dir), (QStringList{S("Prefs.xib"), S("de.lproj")}));  // merge table removed
+
+        // Reading the localized copy gives the translations as base words.
+        const LocFilePtr back = LocFile::initWithPath(out + QStringLiteral("/Prefs.xib"), std::nullopt, std::nullopt);
+        QCOMPARE(back->allEntries()[2]->baseWord(), OptString(S("Name\\nzweizeilig")));
+    }
+
+    void exportOfOtherFilesDoesNothing()
+    {
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Localizable.strings"), "\"a\" = \"b\";\n");
+        const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
+        QVERIFY(file);
+        QVERIFY(ibtoolHandle::ibtoolMakeLocalizedNibFileAt(*file, dir + QStringLiteral("/out")).isEmpty());
+        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/out")));
+        QCOMPARE(filesIn(dir), QStringList{S("Localizable.strings")});
+    }
+
+    void commandLines()
+    {
+        const QString dir = folder();
+        const QString base = TestSupport::writeFile(dir + QStringLiteral("/Base.lproj/Main Menu.xib"), xib("a", "b", "c"));
+        const QString previous = TestSupport::writeFile(dir + QStringLiteral("/fr.lproj/Main Menu.xib"), xib("a", "b", "c"));
+        TestSupport::writeFile(dir + QStringLiteral("/table"),
+                               utf16(S("\n/* Class = \"NSMenu\"; title = \"Go\"; ObjectID = \"7\"; */\n\"7.title\" = \"Go\";\n")));
+        fakeTool(dir, "[ \"$1\" = --generate-stringsfile ] && cp \"" + dir.toUtf8() + "/table\" \"$2\"; exit 0");
+        const LocFilePtr file = LocFile::initWithPath(base, std::nullopt, OptString(previous));
+        QCOMPARE(file->allEntries().size(), 1);
+        const QString out = dir + QStringLiteral("/de.lproj");
+        file->makeLocalizedFileAt(out);
+        const QStringList log = S(TestSupport::readFile(dir + QStringLiteral("/log"))).split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(log, (QStringList{
+                          dir + S("/Base.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
+                          dir + S("/fr.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
+                          dir + S("/Base.lproj|Main Menu.xib --strings-file Main Menu--temp.strings --write ") + out
+                              + S("/Main Menu.xib"),
+                      }));
+        QCOMPARE(filesIn(dir + QStringLiteral("/Base.lproj")), QStringList{S("Main Menu.xib")});
+        QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Main Menu.xib")});
+    }
+
+    void failingTools_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("missing") << QByteArray() << S("could not be started");
+        QTest::newRow("hangs") << QByteArray("sleep 20") << S("was stopped");
+        QTest::newRow("fails") << QByteArray("echo 'The document is damaged.' >&2; exit 3") << S("The document is damaged.");
+        QTest::newRow("writes no table") << QByteArray("exit 0") << S("wrote no string table");
+        QTest::newRow("crashes") << QByteArray("kill -SEGV $$") << S("crashed");
+    }
+
+    void failingTools()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, reason);
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        if (body.isNull()) qputenv("VOCABRIX_IBTOOL", (dir + QStringLiteral("/no-such-tool")).toUtf8());
+        else fakeTool(dir, body);
+        qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
+        const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
+        QVERIFY(file);
+        QCOMPARE(file->allEntries().size(), 0);
+        QVERIFY2(file->initError().contains(reason), qPrintable(file->initError()));
+        QVERIFY(file->initError().contains(S("Prefs.xib")));
+
+        // Export: no output file, the pairs as usual, and a warning that says why.
+        const QString out = dir + QStringLiteral("/de");
+        TestSupport::writeFile(out + QStringLiteral("/Prefs.xib"), "old");
+        file->makeLocalizedFileAt(out);
+        QVERIFY(!QFileInfo::exists(out + QStringLiteral("/Prefs.xib")));
+        QVERIFY(!file->warnings().isEmpty());
+        QVERIFY2(file->warnings().last().contains(reason) || reason == S("wrote no string table"),
+                 qPrintable(file->warnings().join(u'\n')));
+        const QStringList left = filesIn(dir);
+        QVERIFY2(!left.join(u' ').contains(S("temp.strings")), qPrintable(left.join(u' ')));
+    }
+
+    void partialOutputOfAFailedMergeIsRemoved()
+    {
+        const QString dir = folder();
+        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
+        QCOMPARE(file->allEntries().size(), 3);
+        fakeTool(dir, "echo half > \"$5\"; exit 1");
+        file->makeLocalizedFileAt(dir + QStringLiteral("/de"));
+        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/de/Prefs.xib")));
+        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/Prefs--temp.strings")));
+    }
+
+    void stringForObjectID_data()
+    {
+        QTest::addColumn<OptString>("previous");
+        QTest::addColumn<OptString>("expected");
+        const QString table = S("\n/* c */\n\"5.title\" = \"Fenêtre\";\n\n/* c */\n\"6.title\" = \"\";\n"
+                                "\"7.title\" = \"no line feed\";");
+        QString emptied = table;
+        emptied.replace(S("\"5.title\" = \"Fenêtre\""), S("\"5.title\" = \"\""));
+        QTest::newRow("found") << OptString(table) << OptString(S("Fenêtre"));
+        QTest::newRow("no previous") << OptString() << OptString();
+        QTest::newRow("empty value is none") << OptString(emptied) << OptString();
+        QTest::newRow("needs the closing line feed") << OptString(S("\n\"5.title\" = \"x\";")) << OptString();
+        QTest::newRow("other property") << OptString(S("\n\"5.toolTip\" = \"x\";\n")) << OptString();
+    }
+
+    void stringForObjectID()
+    {
+        QFETCH(OptString, previous);
+        QFETCH(OptString, expected);
+        QCOMPARE(ibtoolHandle::stringForObjectID(S("5"), S("title"), previous), expected);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestIbtoolHandler)
+#include "test_ibtool_handler.moc"
