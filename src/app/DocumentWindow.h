@@ -1,0 +1,134 @@
+#pragma once
+// One document window: the title field, the two language popups, the file table, the entry table
+// of the selected file, the base word and the entry editor, the search field and the busy
+// indicator. The window lays out and wires; the commands themselves are the document's.
+//
+// Sources: DocumentWindow.cpp (layout, wiring, selection), DocumentWindowCommands.cpp (toolbar,
+// menus, commands), DocumentWindowFile.cpp (save, save as, revert, the close question).
+
+#include "LocFile.h"
+
+#include <QHash>
+#include <QMainWindow>
+#include <memory>
+
+class Dialogs;
+class EntryEditor;
+class EntryTableModel;
+class FileTableModel;
+class LanguageComboBox;
+class MyDocument;
+class QLineEdit;
+class QMenu;
+class QProgressBar;
+class QTableView;
+class QToolBar;
+class QtDialogs;
+class SavePanel;
+
+class DocumentWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // The window owns the document.
+    explicit DocumentWindow(MyDocument *document, QWidget *parent = nullptr);
+    ~DocumentWindow() override;
+
+    MyDocument *document() const { return m_document; }
+    // Panels and alerts of this window and its document are answered here (not owned); the
+    // window's own Qt dialogs until then.
+    void setDialogs(Dialogs *dialogs, SavePanel *savePanel);
+
+    // ---- Controls, by the names the document knows them
+    QLineEdit *titleField() const { return m_titleField; }
+    LanguageComboBox *languageFromPp() const { return m_languageFromPp; }
+    LanguageComboBox *languageToPp() const { return m_languageToPp; }
+    QTableView *fileTable() const { return m_fileTable; }
+    QTableView *entryTable() const { return m_entryTable; }
+    QLineEdit *searchField() const { return m_searchField; }
+    EntryEditor *entryEditor() const { return m_entryEditor; }
+    QProgressBar *busyIndicator() const { return m_busyIndicator; }
+    FileTableModel *fileModel() const { return m_fileModel; }
+    EntryTableModel *entryModel() const { return m_entryModel; }
+    QToolBar *toolbar() const { return m_toolbar; }
+    // The toolbar's items by identifier ("AddFile", "Export", "ExportAll", "LanguageFrom", ...).
+    QAction *toolbarItem(const QString &identifier) const { return m_toolbarItems.value(identifier); }
+
+    // ---- Selection
+    QList<LocFilePtr> selectedFiles() const;  // in table order
+    QList<LocEntryPtr> selectedEntries() const;
+    LocEntryPtr currentEntry() const;
+    void selectFileRows(const QList<int> &rows);
+    void selectEntryRow(int row);
+
+    // ---- Commands (DocumentWindowCommands.cpp)
+    void addNewFile();
+    void exportSelectedFiles();
+    void exportAllFiles();
+    void deleteCurrentFile();
+    void selectNext();
+    void selectPrevious();
+    void checkLocalized();
+
+    // ---- The document framework (DocumentWindowFile.cpp)
+    bool save();
+    bool saveAs();
+    bool revertDocument();
+    // Asks the unsaved-changes question when the document is modified: true when the window
+    // may close (saved, or changes discarded).
+    bool canClose();
+
+signals:
+    void newDocumentRequested();
+    void openDocumentRequested();
+    void preferencesRequested();
+    void quitRequested();
+    void recentMenuAboutToShow(QMenu *menu);
+    void documentSaved(const QString &path);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildLayout();
+    QWidget *buildFilePane();
+    QWidget *buildEntryPane();
+    void wireDocument();
+    void wireSelection();
+    void makeMyToolBarItems();
+    void makeMenus();
+    void validateItems();
+    void updateWindowTitle();
+    void updateSpellLanguage();
+    void showCurrentFile();
+    void restoreFileSelection();
+    void restoreEntrySelection();
+    void updateSearchResult(LocEntry *entry);
+    void removeCurrentEntryFromSearchResult(const LocFilePtr &file, const LocEntry *entry);
+    bool writeTo(const QString &path);
+    Dialogs &dialogs() const;
+    SavePanel &savePanel() const;
+
+    MyDocument *m_document;
+    std::unique_ptr<QtDialogs> m_qtDialogs;
+    Dialogs *m_dialogs = nullptr;
+    SavePanel *m_savePanel = nullptr;
+
+    FileTableModel *m_fileModel = nullptr;
+    EntryTableModel *m_entryModel = nullptr;
+    QLineEdit *m_titleField = nullptr;
+    LanguageComboBox *m_languageFromPp = nullptr;
+    LanguageComboBox *m_languageToPp = nullptr;
+    QTableView *m_fileTable = nullptr;
+    QTableView *m_entryTable = nullptr;
+    QLineEdit *m_searchField = nullptr;
+    EntryEditor *m_entryEditor = nullptr;
+    QProgressBar *m_busyIndicator = nullptr;
+    QToolBar *m_toolbar = nullptr;
+    QHash<QString, QAction *> m_toolbarItems;
+    QHash<QString, QAction *> m_menuActions;
+
+    // Kept across a rebuild of a list, to select the same objects again.
+    QList<const LocFile *> m_filesBeforeReset;
+    const LocFile *m_entryFileBeforeReset = nullptr;
+    int m_entryRowBeforeReset = -1;
+};

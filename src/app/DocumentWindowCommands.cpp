@@ -1,0 +1,227 @@
+// DocumentWindow: the toolbar, the menus and the commands they run.
+#include "DocumentWindow.h"
+
+#include "Dialogs.h"
+#include "EntryEditor.h"
+#include "EntryTableModel.h"
+#include "LanguageComboBox.h"
+#include "LocalizedText.h"
+#include "MyDocument.h"
+#include "Settings.h"
+#include "ToolbarIcons.h"
+#include "UiText.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+// A toolbar item showing a popup: the popup above its label, as the icon items show theirs.
+QWidget *labelledItem(QWidget *control, const QString &identifier, QWidget *parent)
+{
+    auto *box = new QWidget(parent);
+    auto *layout = new QVBoxLayout(box);
+    layout->setContentsMargins(4, 0, 4, 0);
+    layout->setSpacing(1);
+    auto *label = new QLabel(uiText(identifier), box);
+    label->setAlignment(Qt::AlignHCenter);
+    layout->addWidget(control);
+    layout->addWidget(label);
+    box->setToolTip(uiText(identifier + QLatin1String("Tooltip")));
+    return box;
+}
+
+QWidget *spacer(QWidget *parent, bool flexible)
+{
+    auto *space = new QWidget(parent);
+    if (flexible) space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    else space->setFixedWidth(16);
+    return space;
+}
+
+// A setting switched on and off from a menu, following the setting when it changes elsewhere.
+QAction *settingAction(const QString &text, const QString &key, QObject *parent)
+{
+    auto *action = new QAction(text, parent);
+    action->setCheckable(true);
+    action->setChecked(Settings::instance().boolValue(key));
+    QObject::connect(action, &QAction::toggled, action, [key](bool on) { Settings::instance().setValue(key, on); });
+    QObject::connect(&Settings::instance(), &Settings::valueChanged, action, [action, key](const QString &changed) {
+        if (changed == key) action->setChecked(Settings::instance().boolValue(key));
+    });
+    return action;
+}
+
+}  // namespace
+
+void DocumentWindow::makeMyToolBarItems()
+{
+    const struct {
+        const char *identifier;
+        QIcon icon;
+        void (DocumentWindow::*command)();
+    } items[] = {
+        {"AddFile", toolbarIcon(QStringLiteral("AddFile")), &DocumentWindow::addNewFile},
+        {"Export", toolbarIcon(QStringLiteral("Export")), &DocumentWindow::exportSelectedFiles},
+        {"ExportAll", toolbarIcon(QStringLiteral("ExportAll")), &DocumentWindow::exportAllFiles},
+        {"Delete", QIcon::fromTheme(QStringLiteral("edit-delete"), style()->standardIcon(QStyle::SP_TrashIcon)),
+         &DocumentWindow::deleteCurrentFile},
+    };
+    for (const auto &item : items) {
+        const QString id = QString::fromLatin1(item.identifier);
+        auto *action = new QAction(item.icon, uiText(id), this);
+        action->setObjectName(id);
+        action->setToolTip(uiText(id + QLatin1String("Tooltip")));
+        connect(action, &QAction::triggered, this, item.command);
+        m_toolbarItems.insert(id, action);
+    }
+
+    m_toolbar = addToolBar(tr("Toolbar"));
+    m_toolbar->setObjectName(QStringLiteral("MyToolbar"));
+    m_toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    m_toolbar->setIconSize(QSize(28, 28));
+    m_languageFromPp = new LanguageComboBox(this);
+    m_languageFromPp->setObjectName(QStringLiteral("languageFromPp"));
+    m_languageToPp = new LanguageComboBox(this);
+    m_languageToPp->setObjectName(QStringLiteral("languageToPp"));
+    QAction *from = m_toolbar->addWidget(labelledItem(m_languageFromPp, QStringLiteral("LanguageFrom"), this));
+    QAction *to = m_toolbar->addWidget(labelledItem(m_languageToPp, QStringLiteral("LanguageTo"), this));
+    m_toolbarItems.insert(QStringLiteral("LanguageFrom"), from);
+    m_toolbarItems.insert(QStringLiteral("LanguageTo"), to);
+    m_toolbar->addWidget(spacer(this, false));
+    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("AddFile")));
+    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("Export")));
+    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("ExportAll")));
+    m_toolbar->addWidget(spacer(this, true));
+
+    m_searchField = new QLineEdit(this);
+    m_searchField->setObjectName(QStringLiteral("searchField"));
+    m_searchField->setPlaceholderText(tr("Search"));
+    m_searchField->setClearButtonEnabled(true);
+    m_searchField->setMinimumWidth(180);
+    m_searchField->setMaximumWidth(260);
+    m_toolbar->addWidget(labelledItem(m_searchField, tr("Search"), this));
+}
+
+void DocumentWindow::makeMenus()
+{
+    auto add = [this](QMenu *menu, const QString &name, const QString &text, const QKeySequence &keys, auto slot) {
+        QAction *action = menu->addAction(text, this, slot);
+        action->setShortcut(keys);
+        m_menuActions.insert(name, action);
+        return action;
+    };
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    add(file, QStringLiteral("New"), tr("&New"), QKeySequence::New, &DocumentWindow::newDocumentRequested);
+    add(file, QStringLiteral("Open"), tr("&Open\u2026"), QKeySequence::Open, &DocumentWindow::openDocumentRequested);
+    QMenu *recent = file->addMenu(tr("Open &Recent"));
+    connect(recent, &QMenu::aboutToShow, this, [this, recent] { emit recentMenuAboutToShow(recent); });
+    file->addSeparator();
+    add(file, QStringLiteral("Close"), tr("&Close"), QKeySequence::Close, &QWidget::close);
+    add(file, QStringLiteral("Save"), tr("&Save"), QKeySequence::Save, &DocumentWindow::save);
+    add(file, QStringLiteral("SaveAs"), tr("Save &As\u2026"), QKeySequence::SaveAs, &DocumentWindow::saveAs);
+    add(file, QStringLiteral("Revert"), tr("Re&vert to Saved"), QKeySequence(), &DocumentWindow::revertDocument);
+    file->addSeparator();
+    file->addAction(m_toolbarItems.value(QStringLiteral("AddFile")));
+    file->addAction(m_toolbarItems.value(QStringLiteral("Export")));
+    file->addAction(m_toolbarItems.value(QStringLiteral("ExportAll")));
+    file->addSeparator();
+    add(file, QStringLiteral("Preferences"), tr("&Preferences\u2026"), QKeySequence::Preferences,
+        &DocumentWindow::preferencesRequested);
+    add(file, QStringLiteral("Quit"), tr("&Quit"), QKeySequence::Quit, &DocumentWindow::quitRequested);
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    add(edit, QStringLiteral("CheckLocalized"), tr("Check and &Next"), QKeySequence(Qt::CTRL | Qt::Key_Return),
+        &DocumentWindow::checkLocalized);
+    add(edit, QStringLiteral("NextEntry"), tr("Ne&xt Entry"), QKeySequence(Qt::CTRL | Qt::Key_Down), &DocumentWindow::selectNext);
+    add(edit, QStringLiteral("PreviousEntry"), tr("&Previous Entry"), QKeySequence(Qt::CTRL | Qt::Key_Up),
+        &DocumentWindow::selectPrevious);
+    edit->addSeparator();
+    add(edit, QStringLiteral("Find"), tr("&Find"), QKeySequence::Find, [this] {
+        m_searchField->setFocus(Qt::ShortcutFocusReason);
+        m_searchField->selectAll();
+    });
+    edit->addAction(m_entryEditor->spellingAction());
+    edit->addSeparator();
+    edit->addAction(m_toolbarItems.value(QStringLiteral("Delete")));
+
+    QMenu *view = menuBar()->addMenu(tr("&View"));
+    view->addAction(settingAction(tr("Hide &Empty Entries"), SettingsKey::IgnoreEmptyWords, this));
+    view->addAction(settingAction(tr("Hide &Checked Entries"), SettingsKey::IgnoreLocalizedWords, this));
+}
+
+// Export, export all and delete need a file; reverting needs a saved, changed document.
+void DocumentWindow::validateItems()
+{
+    const bool hasFiles = !m_document->files().isEmpty();
+    for (const char *id : {"Export", "ExportAll", "Delete"})
+        if (QAction *a = m_toolbarItems.value(QString::fromLatin1(id))) a->setEnabled(hasFiles);
+    if (QAction *revert = m_menuActions.value(QStringLiteral("Revert")))
+        revert->setEnabled(!m_document->filePath().isEmpty() && m_document->isDocumentEdited());
+}
+
+void DocumentWindow::addNewFile()
+{
+    m_entryEditor->commit();
+    const qsizetype before = m_document->files().size();
+    m_document->addNewFile();
+    const qsizetype added = m_document->files().size() - before;
+    if (added > 0) statusBar()->showMessage(tr("%n file(s) added.", nullptr, int(added)), 5000);
+}
+
+void DocumentWindow::exportSelectedFiles()
+{
+    m_entryEditor->commit();
+    const ExportResult result = m_document->makeLocalizedFilesAction(selectedFiles());
+    if (!result.cancelled)
+        statusBar()->showMessage(tr("%n file(s) exported to %1.", nullptr, int(result.written.size())).arg(result.folder), 8000);
+}
+
+void DocumentWindow::exportAllFiles()
+{
+    m_entryEditor->commit();
+    const ExportResult result = m_document->makeAllLocalizedFilesAction();
+    if (!result.cancelled)
+        statusBar()->showMessage(tr("%n file(s) exported to %1.", nullptr, int(result.written.size())).arg(result.folder), 8000);
+}
+
+void DocumentWindow::deleteCurrentFile()
+{
+    Alert alert;
+    alert.title = localizedString(QStringLiteral("Delete File"));
+    alert.message = localizedString(QStringLiteral("Can not undo deleting."));
+    alert.buttons = QStringList{localizedString(QStringLiteral("OK")), localizedString(QStringLiteral("Cancel"))};
+    if (dialogs().runAlert(alert) != 0) return;
+    m_entryEditor->commit();
+    m_document->removeFiles(selectedFiles());
+}
+
+void DocumentWindow::selectNext()
+{
+    const int row = m_entryTable->currentIndex().row();
+    if (row + 1 < m_entryModel->rowCount()) selectEntryRow(row + 1);
+    m_entryEditor->focusEditor();
+}
+
+void DocumentWindow::selectPrevious()
+{
+    const int row = m_entryTable->currentIndex().row();
+    if (row > 0) selectEntryRow(row - 1);
+    m_entryEditor->focusEditor();
+}
+
+void DocumentWindow::checkLocalized()
+{
+    m_entryEditor->commit();
+    QList<LocEntryPtr> entries = selectedEntries();
+    if (entries.isEmpty() && currentEntry()) entries.append(currentEntry());
+    m_document->checkLocalized(entries);
+    selectNext();
+}

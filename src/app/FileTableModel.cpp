@@ -1,0 +1,171 @@
+#include "FileTableModel.h"
+
+#include "ListUtility.h"
+#include "MyDocument.h"
+#include "VXControllerModel.h"
+
+#include <QBrush>
+#include <QDataStream>
+#include <QFileInfo>
+#include <QIODevice>
+#include <QMimeData>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+
+FileTableModel::FileTableModel(MyDocument *document, QObject *parent)
+    : QAbstractTableModel(parent), m_document(document), m_files(document->files())
+{
+    connect(document, &MyDocument::filesChanged, this, &FileTableModel::reload);
+    // Entries post their check marks one by one, thousands of them while a bundle is read:
+    // the rows are repainted once per pass of the event loop, not once per entry.
+    connect(document, &MyDocument::entryModified, this, &FileTableModel::refreshStatus);
+}
+
+void FileTableModel::reload()
+{
+    beginResetModel();
+    m_files = m_document->files();
+    endResetModel();
+}
+
+void FileTableModel::refreshStatus()
+{
+    if (m_refreshPending || m_files.isEmpty()) return;
+    m_refreshPending = true;
+    QTimer::singleShot(0, this, [this] {
+        m_refreshPending = false;
+        if (!m_files.isEmpty()) emit dataChanged(index(0, 0), index(int(m_files.size()) - 1, ColumnCount - 1));
+    });
+}
+
+LocFilePtr FileTableModel::fileAt(int row) const
+{
+    return row >= 0 && row < m_files.size() ? m_files.at(row) : nullptr;
+}
+
+int FileTableModel::rowOfFile(const LocFile *file) const
+{
+    for (int i = 0; i < m_files.size(); ++i)
+        if (m_files.at(i).get() == file) return i;
+    return -1;
+}
+
+int FileTableModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_files.size());
+}
+
+int FileTableModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant FileTableModel::data(const QModelIndex &index, int role) const
+{
+    const LocFilePtr file = fileAt(index.row());
+    if (!file) return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return index.column() == NameColumn ? file->fileName() : file->status();
+    case Qt::ForegroundRole:
+        if (file->color() == EntryColor::Red) return QBrush(Qt::red);
+        return {};
+    case Qt::ToolTipRole: {
+        QStringList lines{file->path()};
+        if (!file->initError().isEmpty()) lines.append(file->initError());
+        lines.append(file->warnings());
+        return lines.join(u'\n');
+    }
+    case Qt::TextAlignmentRole:
+        if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
+        return {};
+    default:
+        return {};
+    }
+}
+
+QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+    return section == NameColumn ? tr("File") : tr("Status");
+}
+
+Qt::ItemFlags FileTableModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid()) return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsDragEnabled;
+}
+
+QStringList FileTableModel::mimeTypes() const
+{
+    return {dragRowTypeName(), QStringLiteral("text/uri-list")};
+}
+
+QMimeData *FileTableModel::mimeData(const QModelIndexList &indexes) const
+{
+    QList<int> rows;
+    for (const QModelIndex &i : indexes)
+        if (!rows.contains(i.row())) rows.append(i.row());
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out << quint64(quintptr(this)) << rows;
+    auto *data = new QMimeData;
+    data->setData(dragRowTypeName(), bytes);
+    return data;
+}
+
+QStringList FileTableModel::acceptedPaths(const QMimeData *data)
+{
+    QStringList paths;
+    if (!data || !data->hasUrls()) return paths;
+    const QStringList accepted = acceptableFileTypes();
+    for (const QUrl &url : data->urls()) {
+        if (!url.isLocalFile()) continue;
+        QString path = url.toLocalFile();
+        while (path.size() > 1 && path.endsWith(u'/')) path.chop(1);
+        if (accepted.contains(QFileInfo(path).suffix())) paths.append(path);
+    }
+    return paths;
+}
+
+namespace {
+
+// The rows of a drag that started in `model`; empty for another table's drag.
+QList<int> ownRows(const QMimeData *data, const FileTableModel *model)
+{
+    QByteArray bytes = data->data(FileTableModel::dragRowTypeName());
+    QDataStream in(&bytes, QIODevice::ReadOnly);
+    quint64 source = 0;
+    QList<int> rows;
+    in >> source >> rows;
+    if (in.status() != QDataStream::Ok || source != quint64(quintptr(model))) return {};
+    return rows;
+}
+
+}  // namespace
+
+bool FileTableModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int, int, const QModelIndex &parent) const
+{
+    // Onto a row is refused; between rows or onto the table as a whole is taken.
+    if (!data || parent.isValid()) return false;
+    if (data->hasFormat(dragRowTypeName())) return !ownRows(data, this).isEmpty();
+    return !acceptedPaths(data).isEmpty();
+}
+
+bool FileTableModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                                  const QModelIndex &parent)
+{
+    if (!canDropMimeData(data, action, row, column, parent)) return false;
+    if (data->hasFormat(dragRowTypeName())) {
+        const int to = row < 0 ? int(m_files.size()) : row;
+        m_document->setFiles(movedRows(m_document->files(), ownRows(data, this), to));
+        return true;
+    }
+    const QStringList paths = acceptedPaths(data);
+    QPointer<MyDocument> document(m_document);
+    QTimer::singleShot(100, document, [document, paths] {
+        if (document) document->addFiles(paths);
+    });
+    return true;
+}

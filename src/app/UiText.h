@@ -1,0 +1,8 @@
+#pragma once
+// Texts of the window application. Every text is looked up in the model's table of localized
+// interface texts first; identifiers that the table leaves untranslated (toolbar item names such
+// as "AddFile") get the English label of this file instead of showing as raw identifiers.
+
+#include <QString>
+
+QString uiText(const QString &key);
