@@ -8,6 +8,9 @@
 //    key word is then empty and export writes the key back empty ("" = "value";), where the
 //    usual rebuild would have put the value in the key's place. Its previous word is looked up
 //    under the empty key, not under its value.
+//  - A key that the previous version does not hold in the lookup form (only \n and \" resolved)
+//    is looked up once more as the table grammar reads it, so that keys with \t, \\ or \U
+//    escapes find their previous word too; the first form is tried first and wins.
 //  - An unquoted key (CFBundleName = "..."; in InfoPlist.strings) loses its indentation.
 //  - A table that is a property list (binary, or XML by its first line) is read by the
 //    property-list handler and written back as an XML property list with the base file's keys
@@ -167,7 +170,11 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
         entries.append(entry);
 
         if (previous) {
-            if (const QString *word = previous->find(lookupKey(*entry, key))) {
+            const QString *word = previous->find(lookupKey(*entry, key));
+            // Keys with other escapes (\t, \\, \U) are found by their grammar reading too.
+            if (!word)
+                if (const OptString plain = unescapedTableWord(key)) word = previous->find(*plain);
+            if (word) {
                 entry->setLocalizedWord(replaceStringFrom(*word, QStringLiteral("\n"), QStringLiteral("\\n")));
                 entry->checkNeedToLocalize();
                 continue;
