@@ -54,8 +54,10 @@ QString SpellChecker::dictionaryNameFor(const QString &abbreviation, const QStri
     QString code = abbreviation;
     code.replace(u'-', u'_');
     const QString language = code.section(u'_', 0, 0).toLower();
-    QStringList wanted{code};
-    if (code != language) wanted.append(language + u'_' + code.section(u'_', 1).toUpper());
+    // A region the abbreviation names comes first, then the language's usual region, then the
+    // bare language, then any region of it.
+    QStringList wanted;
+    if (code != language) wanted << code << language + u'_' + code.section(u'_', 1).toUpper();
     wanted.append(language + u'_' + usualRegions().value(language, language.toUpper()));
     wanted.append(language);
     for (const QString &name : std::as_const(wanted))
