@@ -12,6 +12,13 @@ ReadResult readXml(const QByteArray &data);
 ReadResult readBinary(const QByteArray &data);
 ReadResult readOpenStep(const QByteArray &data);
 
+// Texts of XML scalar elements; none when the text is no such value. Integers above INT64_MAX
+// become unsigned; dates lose any fraction of a second, as XML keeps whole seconds.
+std::optional<Value> parseXmlInteger(QStringView text);
+std::optional<Value> parseXmlReal(QStringView text);
+std::optional<Value> parseXmlDate(QStringView text);
+std::optional<Value> parseXmlData(QStringView text);
+
 // Binary lists count dates in seconds from this instant.
 QDateTime referenceDate();
 
