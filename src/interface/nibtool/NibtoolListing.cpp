@@ -33,7 +33,10 @@ QString commentFor(const LocalizableString &s)
         oneLine.replace(u'\n', u' ');
         label = QStringLiteral(" (%1)").arg(oneLine);
     }
-    return QStringLiteral("/* %1%2 : <%3:%4> (oid:%5) */").arg(cls, label, s.property, title, s.objectId);
+    // The marker must name one string: the old tool only listed titles, other properties of
+    // the same object get their own.
+    const QString marker = s.property == QLatin1String("title") ? s.objectId : s.key();
+    return QStringLiteral("/* %1%2 : <%3:%4> (oid:%5) */").arg(cls, label, s.property, title, marker);
 }
 
 }  // namespace
@@ -70,10 +73,11 @@ QList<ListingBlock> listingBlocks(const InterfaceFile &file, const InterfaceFile
         block.text = text;
         block.value = text;
         bool found = false;
-        // The named object's counterpart first, then those of the others with the same text.
+        // The named object's counterpart first, then those of the others with the same text. A
+        // previous version that kept the base text has no word for it: the dictionary may.
         for (auto it = group.crbegin(); it != group.crend() && !found; ++it) {
             const auto v = previousValues.constFind(it->key());
-            if (v != previousValues.constEnd() && !v->isEmpty()) {
+            if (v != previousValues.constEnd() && !v->isEmpty() && *v != text) {
                 block.value = *v;
                 found = true;
             }

@@ -7,7 +7,8 @@
 //   "Cancel" = "Annuler";
 //
 // The comment names the object that carries the text (the last one in ibtool's order when
-// several do); its marker "(oid:N)" is what the application pairs two listings by. The key is
+// several do); its marker "(oid:N)" is what the application pairs two listings by ("oid:N.prop"
+// for a property other than the title, so that every marker names one string). The key is
 // the text; the value is the text, or its translation from a previous localized version of the
 // file (same object) or from a dictionary (same text), the previous version first. Merging
 // works by text too: every string whose text is a key of the table takes the table's value.
