@@ -157,14 +157,16 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
     QList<LocEntryPtr> entries = file.allEntries();
     QList<TakenPair> taken;
     const QString text = wordOrEmpty(base.text);
+    qsizetype lineNumber = 0;
     for (const QStringView view : QStringView(text).split(u'\n')) {
+        ++lineNumber;
         QString line = view.toString();
         if (!qualifies(line)) continue;
         line = replaceStringFrom(line, QStringLiteral("\"="), QStringLiteral("\" ="));
         line = replaceStringFrom(line, QStringLiteral("=\""), QStringLiteral("= \""));
         const QString key = lineKey(line);
         const OptString value = substringFrom(line, kPairOpen, kPairClose);
-        taken.append({key, value});
+        taken.append({key, value, lineNumber});
         // One pass of arg(): words holding "%1" go in as they are.
         LocEntryPtr entry = LocEntry::initWithEntry(entryFormat.arg(key, wordOrEmpty(value)));
         entries.append(entry);

@@ -36,6 +36,8 @@ std::optional<StringMap> wholeTable(const QString &text, StringsTable::Error *er
 
 OptString unescapedTableWord(const QString &escaped)
 {
+    // Most words hold nothing to resolve.
+    if (!escaped.contains(u'\\') && !escaped.contains(u'"')) return escaped;
     const auto map = StringsTable::parse(QString(u'"' + escaped + QLatin1String("\";")));
     if (!map || map->size() != 1) return std::nullopt;
     return map->pairs().constFirst().first;
@@ -55,23 +57,23 @@ void reportPairsNotTaken(LocFile &file, const QString &text, const QList<TakenPa
     }
 
     // Unescaped key to unescaped value, the last line winning as in the grammar.
-    QHash<QString, QString> byKey;
-    QStringList outside;
+    QHash<QString, OptString> byKey;  // none: a value the grammar cannot read, so surely different
+    QStringList outside;  // line numbers: the key cut from a comment line says little
     for (const TakenPair &pair : taken) {
         const OptString key = unescapedTableWord(pair.key);
         const OptString value = unescapedTableWord(StringUtility::wordOrEmpty(pair.value));
-        if (!key || !value || !whole->contains(*key)) {
-            outside.append(key ? *key : pair.key);
+        if (!key || !whole->contains(*key)) {
+            outside.append(QString::number(pair.line));
             continue;
         }
-        byKey.insert(*key, *value);
+        byKey.insert(*key, value);
     }
     QStringList missing, different;
     for (const auto &[key, value] : *whole) {
         const auto it = byKey.constFind(key);
         if (it == byKey.constEnd())
             missing.append(key);
-        else if (*it != value)
+        else if (*it != value)  // none never equals a value
             different.append(key);
     }
 
@@ -85,6 +87,7 @@ void reportPairsNotTaken(LocFile &file, const QString &text, const QList<TakenPa
                             .arg(name, counted(different.size(), "pair was", "pairs were"), shownKeys(different)));
     if (!outside.isEmpty())
         file.addWarning(QStringLiteral("%1: %2 outside the file's pairs (commented out, or not well formed) taken as "
-                                       "entries: %3.")
-                            .arg(name, counted(outside.size(), "line was", "lines were"), shownKeys(outside)));
+                                       "entries: %3 %4.")
+                            .arg(name, counted(outside.size(), "line was", "lines were"),
+                                 QLatin1String(outside.size() == 1 ? "line" : "lines"), outside.join(QLatin1String(", "))));
 }

@@ -10,10 +10,12 @@
 
 class LocFile;
 
-// One pair as the line reader took it: key and value as they stand in the line (escaped).
+// One pair as the line reader took it: key and value as they stand in the line (escaped), and
+// the line's number from 1.
 struct TakenPair {
     QString key;
     OptString value;
+    qsizetype line = 0;
 };
 
 // Adds at most one warning per kind of difference to `file`, naming the keys concerned.

@@ -123,6 +123,24 @@ private slots:
         QVERIFY2(all.contains(file->path()), qPrintable(all));
     }
 
+    void linesOutsideThePairsAreNamedByNumber()
+    {
+        const QByteArray table = "\"a\" = \"1\";\n"
+                                 "/* \"old\" = \"gone\"; */\n"
+                                 "/* Class = \"NSButton\"; title = \"OK\"; ObjectID = \"7\"; */\n"
+                                 "\"7.title\" = \"OK\";\n"
+                                 "\"b\" = \"x\\\";y\";\n";
+        const LocFilePtr file = read(table);
+        QCOMPARE(file->allEntries().size(), 5);
+        QCOMPARE(file->warnings().size(), 2);
+        QVERIFY2(file->warnings().at(0).endsWith(S("differs from the file's own (an escaped quote before a semicolon, "
+                                                   "or an equals sign beside a quote): \"b\".")),
+                 qPrintable(file->warnings().at(0)));
+        QVERIFY2(file->warnings().at(1).endsWith(S("2 lines were outside the file's pairs (commented out, or not well "
+                                                   "formed) taken as entries: lines 2, 3.")),
+                 qPrintable(file->warnings().at(1)));
+    }
+
     void whichSourceWins()
     {
         const QByteArray base = "\"k1\" = \"Open\";\n\"k2\" = \"Save\";\n\"k3\" = \"Quit\";\n\"k4\" = \"Open\";\n";
