@@ -44,6 +44,12 @@ void XmlInterfaceFile::add(const LocalizableString &s, const ValueLocation &wher
 {
     const QString key = s.key();
     if (m_byKey.contains(key)) return;  // keys are unique; the first place wins
+    // One place, one key: two keys on one value (an archive object listed by two records)
+    // could not both be merged.
+    const QString place = QStringLiteral("%1/%2/%3/%4").arg(int(where.kind)).arg(where.holder).arg(where.element)
+                              .arg(QString::fromUtf8(where.name));
+    if (m_places.contains(place)) return;
+    m_places.insert(place);
     m_byKey.insert(key, m_strings.size());
     m_strings.append(s);
     m_locations.append(where);

@@ -12,6 +12,7 @@
 #include "XmlDocument.h"
 
 #include <QHash>
+#include <QSet>
 
 namespace interface {
 
@@ -64,6 +65,7 @@ private:
     QList<LocalizableString> m_strings;
     QList<ValueLocation> m_locations;
     QHash<QString, qsizetype> m_byKey;
+    QSet<QString> m_places;
 };
 
 // Opens an XML interface file from its bytes: the root element decides between the two forms.
