@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QStringDecoder>
 
+#include <cstring>
+#include <type_traits>
+
 namespace StringsTable {
 namespace {
 
@@ -23,29 +26,92 @@ int hexValue(char16_t c)
     return -1;
 }
 
+// Unescapes the inside of a quoted word (which holds at least one backslash).
+QString unescape(const char16_t *p, const char16_t *const end)
+{
+    // The unescaped word is never longer than the quoted one: write straight into a buffer.
+    QString out(end - p, Qt::Uninitialized);
+    char16_t *w = reinterpret_cast<char16_t *>(out.data());
+    char16_t *const first = w;
+    while (p < end) {
+        if (*p != u'\\') {
+            *w++ = *p++;
+            continue;
+        }
+        const char16_t c = *++p;
+        ++p;
+        switch (c) {
+        case u'a': *w++ = 7; break;
+        case u'b': *w++ = 8; break;
+        case u'f': *w++ = 12; break;
+        case u'n': *w++ = 10; break;
+        case u'r': *w++ = 13; break;
+        case u't': *w++ = 9; break;
+        case u'v': *w++ = 11; break;
+        case u'U':
+        case u'u': {
+            // Up to four hexadecimal digits give one UTF-16 code unit.
+            int code = 0, digits = 0;
+            while (digits < 4 && p < end && hexValue(*p) >= 0) code = code * 16 + hexValue(*p++), ++digits;
+            *w++ = digits ? char16_t(code) : c;
+            break;
+        }
+        default:
+            if (c >= u'0' && c <= u'7') {
+                // Up to three octal digits give one byte, taken as a Latin-1 character.
+                int code = c - u'0', digits = 1;
+                while (digits < 3 && p < end && *p >= u'0' && *p <= u'7') code = code * 8 + (*p++ - u'0'), ++digits;
+                *w++ = char16_t(code & 0xFF);
+            } else {
+                *w++ = c;  // \" \\ \' and any other character stand for themselves
+            }
+        }
+    }
+    out.truncate(w - first);
+    return out;
+}
+
+// Text of a span of the input: UTF-16 units are copied, UTF-8 bytes decoded (already validated).
+QString spanText(const char16_t *b, const char16_t *e) { return QString(reinterpret_cast<const QChar *>(b), e - b); }
+QString spanText(const char *b, const char *e) { return QString::fromUtf8(b, e - b); }
+QString unescapeSpan(const char16_t *b, const char16_t *e) { return unescape(b, e); }
+QString unescapeSpan(const char *b, const char *e)
+{
+    // Escapes are ASCII, so decoding first and unescaping after gives the same words.
+    const QString decoded = spanText(b, e);
+    const auto *units = reinterpret_cast<const char16_t *>(decoded.constData());
+    return unescape(units, units + decoded.size());
+}
+
+// Runs over UTF-16 units or over UTF-8 bytes: every character of the syntax is ASCII, so the
+// bytes need no decoding except inside the words themselves, which saves a pass over the text.
+template <typename Ch>
 class Parser {
 public:
-    explicit Parser(QStringView text) : p(text.utf16()), begin(text.utf16()), end(text.utf16() + text.size()) {}
+    Parser(const Ch *text, qsizetype size) : p(text), begin(text), end(text + size) {}
 
     std::optional<StringMap> run(Error *error)
     {
         StringMap map;
+        // Real tables spend 40 bytes or more on a pair: reserving that many spares the index
+        // most of its rehashing, and costs no pass over the text.
+        map.reserve(qMin<qsizetype>((end - begin) / 40, 1 << 20));
         QString key, value;
         while (skipSpaceAndComments()) {
             if (p == end) return map;
             if (!word(key)) return fail(error, QStringLiteral("expected a quoted or unquoted key"));
             if (!skipSpaceAndComments()) return fail(error, m_message);
-            if (p < end && *p == u';') {  // the short form: the key is its own value
+            if (p < end && *p == Ch(';')) {  // the short form: the key is its own value
                 ++p;
                 map.insert(key, key);
                 continue;
             }
-            if (p == end || *p != u'=') return fail(error, QStringLiteral("expected \"=\" or \";\" after a key"));
+            if (p == end || *p != Ch('=')) return fail(error, QStringLiteral("expected \"=\" or \";\" after a key"));
             ++p;
             if (!skipSpaceAndComments()) return fail(error, m_message);
             if (!word(value)) return fail(error, m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
             if (!skipSpaceAndComments()) return fail(error, m_message);
-            if (p == end || *p != u';') return fail(error, QStringLiteral("expected \";\" after a value"));
+            if (p == end || *p != Ch(';')) return fail(error, QStringLiteral("expected \";\" after a value"));
             ++p;
             map.insert(key, value);
         }
@@ -53,38 +119,54 @@ public:
     }
 
 private:
-    const char16_t *p;
-    const char16_t *const begin;
-    const char16_t *const end;
+    const Ch *p;
+    const Ch *const begin;
+    const Ch *const end;
     QString m_message;
 
     std::optional<StringMap> fail(Error *error, const QString &message)
     {
         if (error) {
-            error->line = 1 + std::count(begin, std::min(p, end), u'\n');
+            error->line = 1 + std::count(begin, std::min(p, end), Ch('\n'));
             error->message = message;
         }
         return std::nullopt;
+    }
+
+    // Length of a white-space character at p, or 0. Besides ASCII space, the byte-order mark and
+    // the Unicode line and paragraph separators count, as they do for the property-list reader.
+    qsizetype space() const
+    {
+        const auto c = static_cast<std::make_unsigned_t<Ch>>(*p);
+        if (c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v') return 1;
+        if constexpr (sizeof(Ch) == 2) {
+            return (c == 0xFEFF || c == 0x2028 || c == 0x2029) ? 1 : 0;
+        } else {
+            if (c != 0xEF && c != 0xE2) return 0;
+            if (end - p < 3) return 0;
+            const auto c1 = static_cast<unsigned char>(p[1]), c2 = static_cast<unsigned char>(p[2]);
+            if (c == 0xEF && c1 == 0xBB && c2 == 0xBF) return 3;
+            if (c == 0xE2 && c1 == 0x80 && (c2 == 0xA8 || c2 == 0xA9)) return 3;
+            return 0;
+        }
     }
 
     // False on an unterminated comment.
     bool skipSpaceAndComments()
     {
         while (p < end) {
-            const char16_t c = *p;
-            if (c == u' ' || c == u'\t' || c == u'\n' || c == u'\r' || c == u'\f' || c == u'\v' || c == 0xFEFF
-                || c == 0x2028 || c == 0x2029) {
-                ++p;
-            } else if (c == u'/' && p + 1 < end && p[1] == u'*') {
-                const char16_t *q = p + 2;
-                while (q + 1 < end && !(q[0] == u'*' && q[1] == u'/')) ++q;
+            if (const qsizetype n = space()) {
+                p += n;
+            } else if (*p == Ch('/') && p + 1 < end && p[1] == Ch('*')) {
+                const Ch *q = p + 2;
+                while (q + 1 < end && !(q[0] == Ch('*') && q[1] == Ch('/'))) ++q;
                 if (q + 1 >= end) {
                     m_message = QStringLiteral("a comment is not closed");
                     return false;
                 }
                 p = q + 2;
-            } else if (c == u'/' && p + 1 < end && p[1] == u'/') {
-                while (p < end && *p != u'\n' && *p != u'\r') ++p;
+            } else if (*p == Ch('/') && p + 1 < end && p[1] == Ch('/')) {
+                while (p < end && *p != Ch('\n') && *p != Ch('\r')) ++p;
             } else {
                 break;
             }
@@ -96,75 +178,71 @@ private:
     {
         m_message.clear();
         if (p == end) return false;
-        if (*p == u'"') return quoted(out);
-        const char16_t *start = p;
-        while (p < end && isUnquotedChar(*p)) ++p;
+        if (*p == Ch('"')) return quoted(out);
+        const Ch *start = p;
+        while (p < end && isUnquotedChar(char16_t(static_cast<std::make_unsigned_t<Ch>>(*p)))) ++p;
         if (p == start) return false;
-        out = QString(reinterpret_cast<const QChar *>(start), p - start);
+        out = spanText(start, p);
         return true;
     }
 
     bool quoted(QString &out)
     {
-        const char16_t *start = ++p;
-        while (p < end && *p != u'"' && *p != u'\\') ++p;
-        if (p < end && *p == u'"') {  // the common case: nothing to unescape
-            out = QString(reinterpret_cast<const QChar *>(start), p - start);
+        const Ch *start = ++p;
+        bool escaped = false;
+        while (p < end && *p != Ch('"')) {
+            if (*p == Ch('\\')) {
+                escaped = true;
+                ++p;
+            }
             ++p;
-            return true;
         }
-        // Find the closing quote first: the unescaped word is never longer than the quoted one,
-        // so it is written straight into a buffer of that size.
-        const char16_t *close = p;
-        while (close < end && *close != u'"') close += (*close == u'\\') ? 2 : 1;
-        if (close >= end) {
+        if (p >= end) {
             p = end;
             m_message = QStringLiteral("a quoted string is not closed");
             return false;
         }
-        out.resize(close - start);
-        char16_t *w = reinterpret_cast<char16_t *>(out.data());
-        char16_t *const first = w;
-        for (const char16_t *q = start; q < p;) *w++ = *q++;
-        while (p < close) {
-            if (*p != u'\\') {
-                *w++ = *p++;
-                continue;
-            }
-            const char16_t c = *++p;
-            ++p;
-            switch (c) {
-            case u'a': *w++ = 7; break;
-            case u'b': *w++ = 8; break;
-            case u'f': *w++ = 12; break;
-            case u'n': *w++ = 10; break;
-            case u'r': *w++ = 13; break;
-            case u't': *w++ = 9; break;
-            case u'v': *w++ = 11; break;
-            case u'U':
-            case u'u': {
-                // Up to four hexadecimal digits give one UTF-16 code unit.
-                int code = 0, digits = 0;
-                while (digits < 4 && p < close && hexValue(*p) >= 0) code = code * 16 + hexValue(*p++), ++digits;
-                *w++ = digits ? char16_t(code) : c;
-                break;
-            }
-            default:
-                if (c >= u'0' && c <= u'7') {
-                    // Up to three octal digits give one byte, taken as a Latin-1 character.
-                    int code = c - u'0', digits = 1;
-                    while (digits < 3 && p < close && *p >= u'0' && *p <= u'7') code = code * 8 + (*p++ - u'0'), ++digits;
-                    *w++ = char16_t(code & 0xFF);
-                } else {
-                    *w++ = c;  // \" \\ \' and any other character stand for themselves
-                }
-            }
-        }
-        out.truncate(w - first);
-        p = close + 1;
+        out = escaped ? unescapeSpan(start, p) : spanText(start, p);
+        ++p;
         return true;
     }
 };
+
+// Whether bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing past U+10FFFF).
+bool isValidUtf8(const char *s, qsizetype size)
+{
+    const auto *p = reinterpret_cast<const unsigned char *>(s);
+    const auto *const end = p + size;
+    while (p < end) {
+        // Runs of ASCII go eight bytes at a time.
+        while (end - p >= 8) {
+            quint64 word;
+            std::memcpy(&word, p, 8);
+            if (word & 0x8080808080808080ULL) break;
+            p += 8;
+        }
+        if (p == end) break;
+        const unsigned char c = *p;
+        if (c < 0x80) {
+            ++p;
+            continue;
+        }
+        int n;
+        char32_t min, cp;
+        if ((c & 0xE0) == 0xC0) n = 1, min = 0x80, cp = c & 0x1F;
+        else if ((c & 0xF0) == 0xE0) n = 2, min = 0x800, cp = c & 0x0F;
+        else if ((c & 0xF8) == 0xF0) n = 3, min = 0x10000, cp = c & 0x07;
+        else return false;
+        if (end - p <= n) return false;
+        for (int i = 1; i <= n; ++i) {
+            if ((p[i] & 0xC0) != 0x80) return false;
+            cp = (cp << 6) | (p[i] & 0x3F);
+        }
+        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+        p += n + 1;
+    }
+    return true;
+}
 
 bool looksLikeXml(QByteArrayView head)
 {
@@ -190,7 +268,7 @@ std::optional<StringMap> fromPropertyList(const QByteArray &data, Error *error)
 
 std::optional<StringMap> parse(QStringView text, Error *error)
 {
-    return Parser(text).run(error);
+    return Parser<char16_t>(reinterpret_cast<const char16_t *>(text.data()), text.size()).run(error);
 }
 
 std::optional<StringMap> parseData(const QByteArray &data, Error *error)
@@ -209,12 +287,14 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error)
     } else {
         const QByteArrayView body = QByteArrayView(data).sliced(data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
         if (looksLikeXml(body.first(qMin<qsizetype>(64, body.size())))) return fromPropertyList(data, error);
-        QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
-        text = decoder.decode(body);
-        if (decoder.hasError()) {
+        if (!isValidUtf8(body.data(), body.size())) {
             if (error) *error = {0, QStringLiteral("the file is neither UTF-8 nor UTF-16 with a byte-order mark")};
             return std::nullopt;
         }
+        qsizetype first = 0;
+        while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
+        if (first < body.size() && body[first] == '{') return fromPropertyList(body.toByteArray(), error);
+        return Parser<char>(body.data(), body.size()).run(error);
     }
     // A braced table is the old-style property-list form of the same map.
     const QStringView trimmed = QStringView(text).trimmed();
