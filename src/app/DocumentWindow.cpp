@@ -7,6 +7,7 @@
 #include "MyDocument.h"
 #include "QtDialogs.h"
 #include "Settings.h"
+#include "UiText.h"
 #include "WindowFrame.h"
 
 #include <QDesktopServices>
@@ -89,6 +90,7 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
     restoreFileSelection();
     validateItems();
     updateWindowTitle();
+    updateSummary();
     document->resetDictionaryPath();
     if (!WindowFrame::restore(this, MyDocument::windowNibName())) resize(1120, 700);
 }
@@ -146,6 +148,9 @@ void DocumentWindow::buildLayout()
     m_busyIndicator->setRange(0, 0);
     m_busyIndicator->hide();
     statusBar()->addPermanentWidget(m_busyIndicator);
+    m_summary = new QLabel(this);
+    m_summary->setObjectName(QStringLiteral("summary"));
+    statusBar()->addPermanentWidget(m_summary);
 }
 
 QWidget *DocumentWindow::buildFilePane()
@@ -217,6 +222,10 @@ void DocumentWindow::wireDocument()
     connect(doc, &MyDocument::documentEditedChanged, this, &DocumentWindow::updateWindowTitle);
     connect(doc, &MyDocument::filePathChanged, this, &DocumentWindow::updateWindowTitle);
     connect(doc, &MyDocument::filesChanged, this, &DocumentWindow::validateItems);
+    connect(doc, &MyDocument::documentEditedChanged, this, &DocumentWindow::validateItems);
+    // The file table repaints its rows once per pass of the event loop; the summary with it.
+    connect(m_fileModel, &QAbstractItemModel::dataChanged, this, &DocumentWindow::updateSummary);
+    connect(m_fileModel, &QAbstractItemModel::modelReset, this, &DocumentWindow::updateSummary);
     connect(doc, &MyDocument::loadingFilesChanged, this, [this](bool on) {
         m_busyIndicator->setRange(0, 0);
         m_busyIndicator->setVisible(on);
@@ -364,4 +373,16 @@ void DocumentWindow::updateWindowTitle()
     setWindowTitle(m_document->displayName() + QLatin1String("[*] \u2014 Vocabrix"));
     setWindowModified(m_document->isDocumentEdited());
     setWindowFilePath(m_document->filePath());
+}
+
+void DocumentWindow::updateSummary()
+{
+    qsizetype checked = 0;
+    qsizetype all = 0;
+    for (const LocFilePtr &f : m_document->files()) {
+        checked += f->checkedCount();
+        all += f->allEntries().size();
+    }
+    const QString files = countedText(m_document->files().size(), tr("1 file"), tr("%1 files"));
+    m_summary->setText(tr("%1, %2 of %3 entries checked").arg(files).arg(checked).arg(all));
 }

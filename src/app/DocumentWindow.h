@@ -18,6 +18,7 @@ class EntryTableModel;
 class FileTableModel;
 class LanguageComboBox;
 class MyDocument;
+class QLabel;
 class QLineEdit;
 class QMenu;
 class QProgressBar;
@@ -98,6 +99,7 @@ private:
     void makeMenus();
     void validateItems();
     void updateWindowTitle();
+    void updateSummary();
     void updateSpellLanguage();
     void showCurrentFile();
     void restoreFileSelection();
@@ -123,6 +125,7 @@ private:
     QLineEdit *m_searchField = nullptr;
     EntryEditor *m_entryEditor = nullptr;
     QProgressBar *m_busyIndicator = nullptr;
+    QLabel *m_summary = nullptr;
     QToolBar *m_toolbar = nullptr;
     QHash<QString, QAction *> m_toolbarItems;
     QHash<QString, QAction *> m_menuActions;

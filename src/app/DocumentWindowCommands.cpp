@@ -12,6 +12,7 @@
 #include "UiText.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -173,15 +174,24 @@ void DocumentWindow::addNewFile()
     const qsizetype before = m_document->files().size();
     m_document->addNewFile();
     const qsizetype added = m_document->files().size() - before;
-    if (added > 0) statusBar()->showMessage(tr("%n file(s) added.", nullptr, int(added)), 5000);
+    if (added > 0) statusBar()->showMessage(countedText(added, tr("1 file added."), tr("%1 files added.")), 5000);
 }
+
+namespace {
+QString exportedText(const ExportResult &result)
+{
+    const QString folder = QDir::toNativeSeparators(result.folder);
+    if (result.written.size() == 1) return QObject::tr("1 file exported to %1.").arg(folder);
+    return QObject::tr("%1 files exported to %2.").arg(result.written.size()).arg(folder);
+}
+}  // namespace
 
 void DocumentWindow::exportSelectedFiles()
 {
     m_entryEditor->commit();
     const ExportResult result = m_document->makeLocalizedFilesAction(selectedFiles());
     if (!result.cancelled)
-        statusBar()->showMessage(tr("%n file(s) exported to %1.", nullptr, int(result.written.size())).arg(result.folder), 8000);
+        statusBar()->showMessage(exportedText(result), 8000);
 }
 
 void DocumentWindow::exportAllFiles()
@@ -189,7 +199,7 @@ void DocumentWindow::exportAllFiles()
     m_entryEditor->commit();
     const ExportResult result = m_document->makeAllLocalizedFilesAction();
     if (!result.cancelled)
-        statusBar()->showMessage(tr("%n file(s) exported to %1.", nullptr, int(result.written.size())).arg(result.folder), 8000);
+        statusBar()->showMessage(exportedText(result), 8000);
 }
 
 void DocumentWindow::deleteCurrentFile()

@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -51,6 +52,7 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addLayout(form);
+    layout->addWidget(new QLabel(tr("Localized word:"), this));
     layout->addWidget(m_entryField, 1);
     layout->addLayout(buttons);
 

@@ -35,3 +35,8 @@ QString uiText(const QString &key)
     if (text != key) return text;
     return englishLabels().value(key, key);
 }
+
+QString countedText(qsizetype count, const QString &one, const QString &many)
+{
+    return count == 1 ? one : many.arg(count);
+}

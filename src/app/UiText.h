@@ -6,3 +6,6 @@
 #include <QString>
 
 QString uiText(const QString &key);
+
+// "1 file" / "3 files": `one` for a count of one, else `many` with %1 replaced by the count.
+QString countedText(qsizetype count, const QString &one, const QString &many);

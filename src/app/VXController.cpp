@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 
@@ -129,11 +128,11 @@ DocumentWindow *VXController::openDocument(const QString &path)
 
 void VXController::openDocumentWithPanel()
 {
-    const QStringList paths = QFileDialog::getOpenFileNames(
-        nullptr, tr("Open"), QDir::homePath(),
-        QStringLiteral("%1 (*.%2)").arg(MyDocument::documentTypeName(), MyDocument::documentExtension()), nullptr,
-        QFileDialog::DontUseNativeDialog);
-    for (const QString &path : paths) openDocument(path);
+    OpenPanelOptions options;
+    options.allowsMultipleSelection = true;
+    options.allowedExtensions = QStringList{MyDocument::documentExtension()};
+    options.startFolder = QDir::homePath();
+    for (const QString &path : dialogs().runOpenPanel(options)) openDocument(path);
 }
 
 bool VXController::closeAll()

@@ -325,6 +325,9 @@ void TestAppParts::controllerDocuments()
     QVERIFY(opened->windowTitle().startsWith(QStringLiteral("good.vocabrix")));
     QTRY_VERIFY(blankWindow.isNull());  // the untouched untitled document gave its place
     QCOMPARE(controller.openDocument(path), opened);
+    dialogs.queuePanelAnswer(path);  // File > Open with the same document
+    controller.openDocumentWithPanel();
+    QCOMPARE(dialogs.panels().last().allowedExtensions, QStringList{MyDocument::documentExtension()});
     QCOMPARE(controller.windows().size(), 1);
 
     controller.showPreferenceWindow();

@@ -12,10 +12,13 @@
 #include "MyDocument.h"
 #include "ScriptedDialogs.h"
 #include "Settings.h"
+#include "StringsTable.h"
 
 #include <QAction>
 #include <QBrush>
+#include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPointer>
@@ -49,6 +52,7 @@ private slots:
     void closeAsksAboutUnsavedChanges();
     void revertGoesBackToSavedFile();
     void deleteAsksFirst();
+    void exportTakesSelectionAndPendingEdit();
     void spellingStateIsSavedWithDocument();
     void grabShowsWindow();
 
@@ -149,6 +153,7 @@ void TestDocumentWindow::addingBundleFillsFileTable()
 
     QVERIFY(doc()->isDocumentEdited());
     QVERIFY(m_window->isWindowModified());
+    QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("summary"))->text(), QStringLiteral("2 files, 2 of 4 entries checked"));
     // The first file is selected and shown, its first entry in the editor.
     QCOMPARE(m_window->selectedFiles().size(), 1);
     QCOMPARE(entries()->file(), m_window->selectedFiles().first());
@@ -269,6 +274,14 @@ void TestDocumentWindow::checkAndNextMovesOn()
     m_window->entryEditor()->finishButton()->click();
     QVERIFY(first->isChecked());
     QCOMPARE(m_window->currentEntry(), entries()->entryAt(1));
+    // Ctrl+Return in the editor does the same.
+    QApplication::setActiveWindow(m_window);
+    QVERIFY(QTest::qWaitForWindowActive(m_window));
+    m_window->entryEditor()->focusEditor();
+    QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_Return, Qt::ControlModifier);
+    QCOMPARE(m_window->currentEntry(), entries()->entryAt(2));
+    QVERIFY(entries()->entryAt(1)->isChecked());
+    QVERIFY(!m_window->entryEditor()->entryField()->toPlainText().contains(u'\n'));
     // At the end the selection stays on the last entry.
     m_window->selectEntryRow(2);
     m_window->checkLocalized();
@@ -479,6 +492,37 @@ void TestDocumentWindow::grabShowsWindow()
             red = c.red() > 200 && c.green() < 80 && c.blue() < 80;
         }
     QVERIFY(red);
+}
+
+void TestDocumentWindow::exportTakesSelectionAndPendingEdit()
+{
+    addFixture();
+    const QString out = m_dir->filePath(QStringLiteral("out"));
+    QDir().mkpath(out);
+    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+    m_window->selectEntryRow(rowOfKey(QStringLiteral("bye")));
+    m_window->entryEditor()->focusEditor();
+    QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Au revoir"));
+    doc()->updateChangeCount(MyDocument::ChangeCleared);
+
+    m_dialogs.clearLog();
+    m_dialogs.queuePanelAnswer(out);
+    m_window->toolbarItem(QStringLiteral("Export"))->trigger();
+    // Only the selected file, with the word still being typed.
+    QCOMPARE(QDir(out).entryList(QDir::Files), QStringList{QStringLiteral("Localizable.strings")});
+    const auto table = dictionaryWithContentsOfFile(QDir(out).filePath(QStringLiteral("Localizable.strings")));
+    QVERIFY(table);
+    QCOMPARE(table->value(QStringLiteral("bye")), QStringLiteral("Au revoir"));
+    QCOMPARE(m_dialogs.panels().first().prompt, QStringLiteral("Export"));
+
+    m_dialogs.queuePanelAnswer(out);
+    m_window->toolbarItem(QStringLiteral("ExportAll"))->trigger();
+    QCOMPARE(QDir(out).entryList(QDir::Files).size(), 2);
+    // A cancelled folder panel writes nothing and asks nothing more.
+    QFile::remove(QDir(out).filePath(QStringLiteral("InfoPlist.strings")));
+    m_dialogs.queuePanelCancel();
+    m_window->toolbarItem(QStringLiteral("ExportAll"))->trigger();
+    QVERIFY(!QFileInfo::exists(QDir(out).filePath(QStringLiteral("InfoPlist.strings"))));
 }
 
 QTEST_MAIN(TestDocumentWindow)
