@@ -78,13 +78,13 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
 
     // The languages, the spell-checking state and the selection, as the document holds them.
     setLanguageNameForPopupButtons({m_languageFromPp, m_languageToPp});
+    updateSpellLanguage();
     const bool spelling = Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled);
     m_entryEditor->setContinuousSpellCheckingEnabled(spelling);
     m_document->setContinuousSpellCheckingState(spelling);
     m_languageFromPp->ppSelectItemWithTag(document->locLangFrom());
     m_languageToPp->ppSelectItemWithTag(document->locLangTo());
     m_titleField->setText(document->title());
-    updateSpellLanguage();
     wireDocument();
     wireSelection();
     restoreFileSelection();

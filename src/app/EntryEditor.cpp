@@ -130,9 +130,13 @@ bool EntryEditor::isContinuousSpellCheckingEnabled() const
 
 void EntryEditor::announceSpelling()
 {
-    if (isContinuousSpellCheckingEnabled() && !m_spellChecker.hasDictionary())
+    const bool missing = isContinuousSpellCheckingEnabled() && !m_spellChecker.hasDictionary();
+    if (missing)
         emit statusMessage(tr("No spelling dictionary is installed for %1: spelling is not checked.")
                                .arg(m_spellLanguageName.isEmpty() ? tr("this language") : m_spellLanguageName));
+    else if (m_announcedMissing)
+        emit statusMessage(QString());  // the note no longer holds
+    m_announcedMissing = missing;
 }
 
 bool EntryEditor::eventFilter(QObject *watched, QEvent *event)

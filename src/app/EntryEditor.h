@@ -62,6 +62,7 @@ private:
     LocEntryPtr m_entry;
     bool m_dirty = false;
     bool m_loading = false;
+    bool m_announcedMissing = false;
     SpellChecker m_spellChecker;
     QString m_spellLanguageName;
     QLineEdit *m_basewordField;

@@ -5,6 +5,7 @@
 // Hidden options for demonstrations and screenshots:
 //   --add PATH          add a file or bundle to the first window's document (repeatable)
 //   --previous PATH     the previous localized release of the --add of the same position
+//   --document-title T  the first window's document title (-title belongs to X11)
 //   --select-file N     select the Nth file (from 0) of the first window
 //   --select-entry N    select the Nth entry (from 0) of the selected file
 //   --screenshot FILE   save a picture of the first window as FILE (PNG) and quit
@@ -54,10 +55,11 @@ int main(int argc, char *argv[])
     parser.addPositionalArgument(QStringLiteral("document"), QStringLiteral("Vocabrix documents to open."), QStringLiteral("[document...]"));
     const QCommandLineOption add = hidden(QStringLiteral("add"), QStringLiteral("Add a file or bundle."), QStringLiteral("path"));
     const QCommandLineOption previous = hidden(QStringLiteral("previous"), QStringLiteral("Previous release."), QStringLiteral("path"));
+    const QCommandLineOption title = hidden(QStringLiteral("document-title"), QStringLiteral("Document title."), QStringLiteral("text"));
     const QCommandLineOption selectFile = hidden(QStringLiteral("select-file"), QStringLiteral("File row."), QStringLiteral("row"));
     const QCommandLineOption selectEntry = hidden(QStringLiteral("select-entry"), QStringLiteral("Entry row."), QStringLiteral("row"));
     const QCommandLineOption screenshot = hidden(QStringLiteral("screenshot"), QStringLiteral("Picture file."), QStringLiteral("file"));
-    parser.addOptions({add, previous, selectFile, selectEntry, screenshot});
+    parser.addOptions({add, previous, title, selectFile, selectEntry, screenshot});
     parser.process(app);
 
     VXController controller;
@@ -71,6 +73,7 @@ int main(int argc, char *argv[])
     if (!first && VXController::applicationShouldOpenUntitledFile()) first = controller.newDocument();
     if (!first) return 1;
 
+    if (parser.isSet(title)) first->document()->setTitle(parser.value(title));
     if (parser.isSet(add)) addPaths(first, parser.values(add), parser.values(previous));
     if (parser.isSet(selectFile)) first->selectFileRows({parser.value(selectFile).toInt()});
     if (parser.isSet(selectEntry)) first->selectEntryRow(parser.value(selectEntry).toInt());
