@@ -1,0 +1,60 @@
+// The strings-file handler (and, for bytes that look like a property list, the property-list
+// handler it hands them to) on arbitrary base files, with the same bytes as previous version:
+// no crash, no sanitizer report, no hang; every entry keeps the shape entries rely on, and the
+// escaping of property-list words reads back what it wrote.
+#include "Handlers.h"
+#include "LocFile.h"
+#include "PlistWordEscaping.h"
+#include "Settings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStringDecoder>
+#include <QTemporaryDir>
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+QTemporaryDir &folder()
+{
+    static QTemporaryDir dir;
+    static const bool ready = [] {
+        Settings::useStore(dir.filePath(QStringLiteral("settings.ini")));
+        registerResourceHandlers();
+        return QDir().mkpath(dir.filePath(QStringLiteral("out")));
+    }();
+    (void)ready;
+    return dir;
+}
+
+bool write(const QString &path, const QByteArray &bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
+    QTemporaryDir &dir = folder();
+    const QString base = dir.filePath(QStringLiteral("Localizable.strings"));
+    const QString previous = dir.filePath(QStringLiteral("previous.strings"));
+    if (!write(base, bytes) || !write(previous, bytes)) return 0;
+
+    const LocFilePtr file = LocFile::initWithPath(base, OptString(), OptString(previous));
+    if (!file) __builtin_trap();
+    for (const LocEntryPtr &e : file->allEntries()) {
+        if (!e->entry().endsWith(QLatin1String("\";")) || !e->entry().contains(QLatin1String(" = \""))) __builtin_trap();
+        (void)e->keyWord();
+        (void)e->baseWord();
+        (void)e->entryBodyAsString();
+    }
+    file->makeLocalizedFileAt(dir.filePath(QStringLiteral("out")));
+
+    const QString text = QString::fromUtf8(bytes);
+    if (unescapePlistWord(escapePlistWord(text)) != text) __builtin_trap();
+    return 0;
+}
