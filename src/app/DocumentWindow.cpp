@@ -97,7 +97,9 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
 
 DocumentWindow::~DocumentWindow()
 {
-    // The editor's last word belongs to the document, whatever closes the window.
+    // The document outlives this part of the window for a moment (it is a child): nothing it
+    // announces from now on may reach the half-destroyed window.
+    disconnect(m_document, nullptr, this, nullptr);
     m_document->setDialogs(nullptr);
 }
 

@@ -71,7 +71,11 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     setEntry(nullptr);
 }
 
-EntryEditor::~EntryEditor() = default;
+// Deleting the focused editor sends it a focus-out: no commit may run into a closing window.
+EntryEditor::~EntryEditor()
+{
+    m_entryField->removeEventFilter(this);
+}
 
 void EntryEditor::setEntry(const LocEntryPtr &entry)
 {

@@ -15,15 +15,23 @@ EntryTableModel::EntryTableModel(MyDocument *document, QObject *parent)
 void EntryTableModel::setFile(const LocFilePtr &file)
 {
     if (file == m_file) return;
+    // Announced while the old file is still the model's, so the window can tell a rebuild of the
+    // same list from another file.
+    emit entriesAboutToReset();
     disconnect(m_entriesConnection);
     m_file = file;
     if (m_file) m_entriesConnection = connect(m_file.get(), &LocFile::entriesChanged, this, &EntryTableModel::reload);
-    reload();
+    rebuild();
 }
 
 void EntryTableModel::reload()
 {
     emit entriesAboutToReset();
+    rebuild();
+}
+
+void EntryTableModel::rebuild()
+{
     beginResetModel();
     m_entries = m_file ? m_file->entries() : QList<LocEntryPtr>();
     m_rows.clear();

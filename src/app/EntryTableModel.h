@@ -43,6 +43,7 @@ signals:
 
 private:
     void reload();
+    void rebuild();
     QPointer<MyDocument> m_document;
     LocFilePtr m_file;
     QList<LocEntryPtr> m_entries;

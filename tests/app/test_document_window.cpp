@@ -179,6 +179,16 @@ void TestDocumentWindow::entryTableFollowsSelectedFile()
     QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), QStringLiteral("Goodbye"));
     QVERIFY(!m_window->entryEditor()->checkBox()->isChecked());
 
+    // Another file starts at its first entry, not at the row the last one was on.
+    const QString other = TestSupport::writeFile(m_dir->filePath(QStringLiteral("Other.strings")),
+                                                 "\"a\" = \"A\";\n\"b\" = \"B\";\n\"c\" = \"C\";\n");
+    doc()->addFiles(QList<QPair<QString, OptString>>{{other, std::nullopt}});
+    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+    m_window->selectEntryRow(2);
+    m_window->selectFileRows({fileRow(QStringLiteral("Other.strings"))});
+    QCOMPARE(m_window->entryTable()->currentIndex().row(), 0);
+    QCOMPARE(m_window->currentEntry(), entries()->entryAt(0));
+
     // Two files selected: no entries shown.
     m_window->selectFileRows({0, 1});
     QCOMPARE(entries()->rowCount(), 0);
