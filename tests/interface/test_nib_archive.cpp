@@ -119,6 +119,10 @@ private slots:
         auto badRange = a;
         badRange.objects[1].valueCount = 1000;
         QTest::newRow("values past the value table") << badRange.serialize();
+        auto overlapping = a;
+        overlapping.objects[2].firstValue = overlapping.objects[1].firstValue;
+        overlapping.objects[2].valueCount = 1;
+        QTest::newRow("two objects sharing values") << overlapping.serialize();
         QByteArray longVarint = good;
         // Five continuation bytes: a count no 32-bit field can hold.
         longVarint.insert(50, QByteArray(6, '\x7f'));

@@ -1,7 +1,9 @@
 #include "NibArchive.h"
 
+#include <QPair>
 #include <QtEndian>
-#include <cstring>
+
+#include <algorithm>
 
 namespace interface::nib {
 namespace {
@@ -181,6 +183,14 @@ bool checkIndices(const NibArchive &a, QString *error)
         if (quint64(o.firstValue) + o.valueCount > quint64(a.values.size()))
             return fail(error, QStringLiteral("The compiled nib is damaged: an object's values run past the end of its value table."));
     }
+    // Each value belongs to one object: an edit of one object must not show in another.
+    QList<QPair<quint32, quint32>> ranges;
+    for (const NibObject &o : a.objects)
+        if (o.valueCount > 0) ranges.append({o.firstValue, o.valueCount});
+    std::sort(ranges.begin(), ranges.end());
+    for (qsizetype i = 1; i < ranges.size(); ++i)
+        if (quint64(ranges[i - 1].first) + ranges[i - 1].second > ranges[i].first)
+            return fail(error, QStringLiteral("The compiled nib is damaged: two objects share values."));
     for (const NibValue &v : a.values) {
         if (v.key >= quint32(a.keys.size()))
             return fail(error, QStringLiteral("The compiled nib is damaged: a value names a key that it does not list."));

@@ -318,6 +318,9 @@ QList<FoundString> Finder::localizableStrings() const
         if (c.slot.occurrence < 0) ruleClass.insert({c.slot.holder, c.slot.key}, c.className);
     QList<FoundString> found;
     for (int i = 0; i < g.objectCount(); ++i) {
+        // A localizable string's own parts (its key, its development text) are not places
+        // where it is shown.
+        if (g.classChain(i).value(0) == QLatin1String("NSLocalizableString")) continue;
         for (const Slot &slot : g.slotsOf(i)) {
             const auto t = g.target(slot);
             if (!t || g.classChain(*t).value(0) != QLatin1String("NSLocalizableString")) continue;
