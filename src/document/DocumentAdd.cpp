@@ -85,12 +85,16 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
         // Asked for every path, bundle or not, before anything of it is read.
         const OptString previous = given ? *given : selectPreviousVersionFile(path);
         if (isBundlePath(path, bundles)) {
-            for (const auto &[base, prev] : bundleFilesWithPrevious(path, previous))
-                if (LocFilePtr f = addFile(base, orNone(prev))) added.append(f);
+            const QList<QPair<QString, QString>> list = bundleFilesWithPrevious(path, previous);
+            for (qsizetype i = 0; i < list.size(); ++i) {
+                if (LocFilePtr f = addFile(list.at(i).first, orNone(list.at(i).second))) added.append(f);
+                emit progress(int(i + 1), int(list.size()));
+            }
         } else if (LocFilePtr f = addFile(path, previous)) {
             added.append(f);
         }
-        emit progress(++done, int(paths.size()));
+        ++done;
+        if (!isBundlePath(path, bundles)) emit progress(done, int(paths.size()));
     }
     update();
     setFiles(m_files);

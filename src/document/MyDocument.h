@@ -180,7 +180,9 @@ signals:
     void entryModified(LocEntry *entry);
     // The shown entries of the files were rebuilt (search, a filter setting changed).
     void searchPerformed();
-    // Adding or exporting: `done` of `total` files so far; the window may repaint its indicator.
+    // Adding or exporting: `done` of `total` so far (files of the bundle being expanded, else
+    // paths or exported files). Everything runs on the calling thread; a window that wants to
+    // repaint meanwhile may process its pending paint events here.
     void progress(int done, int total);
 
 private:
