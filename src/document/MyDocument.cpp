@@ -145,7 +145,9 @@ void MyDocument::removeFiles(const QList<LocFilePtr> &files)
 void MyDocument::saveSpellCheck()
 {
     if (!m_spellCheck) return;
-    Settings::instance().setValue(SettingsKey::ContinuousSpellCheckingEnabled, *m_spellCheck);
+    Settings &settings = Settings::instance();
+    settings.setValue(SettingsKey::ContinuousSpellCheckingEnabled, *m_spellCheck);
+    settings.synchronize();
 }
 
 Dialogs &MyDocument::dialogs() const
