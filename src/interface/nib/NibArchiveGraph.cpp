@@ -10,7 +10,13 @@ NibArchiveGraph::NibArchiveGraph(NibArchive archive) : m_archive(std::move(archi
 {
     for (qsizetype i = 0; i < m_archive.keys.size(); ++i) {
         const QString key = QString::fromUtf8(m_archive.keys[i]);
+        m_keyNames.append(key);
         if (!m_keyIndex.contains(key)) m_keyIndex.insert(key, quint32(i));
+    }
+    for (const NibClass &k : m_archive.classes) {
+        QStringList chain{QString::fromUtf8(k.name)};
+        for (qint32 f : k.fallbacks) chain.append(QString::fromUtf8(m_archive.classes[f].name));
+        m_classChains.append(chain);
     }
 }
 
@@ -25,17 +31,26 @@ qsizetype NibArchiveGraph::firstValue(int object, const QString &key) const
     return -1;
 }
 
+const QList<quint32> &NibArchiveGraph::positions(int object, quint32 key) const
+{
+    const quint64 id = (quint64(quint32(object)) << 32) | key;
+    auto it = m_positions.constFind(id);
+    if (it != m_positions.constEnd()) return *it;
+    QList<quint32> list;
+    const NibObject &o = m_archive.objects[object];
+    for (quint32 i = 0; i < o.valueCount; ++i)
+        if (m_archive.values[o.firstValue + i].key == key) list.append(o.firstValue + i);
+    return *m_positions.insert(id, list);
+}
+
 qsizetype NibArchiveGraph::valueIndex(const Slot &slot) const
 {
     if (slot.occurrence < 0) return firstValue(slot.holder, slot.key);
     if (slot.holder < 0 || slot.holder >= objectCount()) return -1;
     const auto k = m_keyIndex.constFind(slot.key);
     if (k == m_keyIndex.constEnd()) return -1;
-    const NibObject &o = m_archive.objects[slot.holder];
-    int seen = 0;
-    for (quint32 i = 0; i < o.valueCount; ++i)
-        if (m_archive.values[o.firstValue + i].key == *k && seen++ == slot.occurrence) return o.firstValue + i;
-    return -1;
+    const QList<quint32> &at = positions(slot.holder, *k);
+    return slot.occurrence < at.size() ? qsizetype(at[slot.occurrence]) : -1;
 }
 
 std::optional<int> NibArchiveGraph::objectData() const
@@ -50,10 +65,7 @@ std::optional<int> NibArchiveGraph::objectData() const
 QStringList NibArchiveGraph::classChain(int object) const
 {
     if (object < 0 || object >= objectCount()) return {};
-    const NibClass &k = m_archive.classes[m_archive.objects[object].classIndex];
-    QStringList chain{QString::fromUtf8(k.name)};
-    for (qint32 f : k.fallbacks) chain.append(QString::fromUtf8(m_archive.classes[f].name));
-    return chain;
+    return m_classChains[m_archive.objects[object].classIndex];
 }
 
 std::optional<int> NibArchiveGraph::target(const Slot &slot) const
@@ -97,10 +109,9 @@ QList<Slot> NibArchiveGraph::elementSlots(int object) const
     if (object < 0 || object >= objectCount()) return places;
     const auto k = m_keyIndex.constFind(ElementKey);
     if (k == m_keyIndex.constEnd()) return places;
-    const NibObject &o = m_archive.objects[object];
-    int n = 0;
-    for (quint32 i = 0; i < o.valueCount; ++i)
-        if (m_archive.values[o.firstValue + i].key == *k) places.append({object, ElementKey, n++});
+    const qsizetype n = positions(object, *k).size();
+    places.reserve(n);
+    for (int i = 0; i < n; ++i) places.append({object, ElementKey, i});
     return places;
 }
 
@@ -122,7 +133,7 @@ QList<Slot> NibArchiveGraph::slotsOf(int object) const
         const NibValue &v = m_archive.values[o.firstValue + i];
         const int occurrence = seen[v.key]++;
         if (!v.isObject()) continue;
-        const QString key = QString::fromUtf8(m_archive.keys[v.key]);
+        const QString &key = m_keyNames[v.key];
         // Same spelling as valueIndex/elementSlots use, so places compare equal.
         places.append({object, key, occurrence == 0 && key != ElementKey ? -1 : occurrence});
     }

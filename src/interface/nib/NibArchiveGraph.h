@@ -38,10 +38,15 @@ private:
     qsizetype firstValue(int object, const QString &key) const;
     bool isStringClass(int object) const;
     void countReferences() const;
+    // Indices into the value table of the object's values under one key, in order.
+    const QList<quint32> &positions(int object, quint32 key) const;
 
     NibArchive m_archive;
     QHash<QString, quint32> m_keyIndex;
+    QStringList m_keyNames;
+    QList<QStringList> m_classChains;  // per class: the name, then its fallbacks
     mutable QList<int> m_referenceCounts;  // filled on first use
+    mutable QHash<quint64, QList<quint32>> m_positions;
 };
 
 }  // namespace interface::nib

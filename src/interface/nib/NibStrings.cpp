@@ -141,10 +141,12 @@ void Finder::add(int idObject, const QString &cls, const QString &property, cons
 // A box's title cell is a text cell too; its title belongs to the box, once.
 void Finder::dropOwnedCells()
 {
-    QList<Slot> owned;
+    QSet<QPair<int, QString>> owned;  // such places are plain keyed values
     for (const Candidate &c : candidates)
-        if (c.throughOwner) owned.append(c.slot);
-    candidates.removeIf([&owned](const Candidate &c) { return !c.throughOwner && owned.contains(c.slot); });
+        if (c.throughOwner) owned.insert({c.slot.holder, c.slot.key});
+    candidates.removeIf([&owned](const Candidate &c) {
+        return !c.throughOwner && c.slot.occurrence < 0 && owned.contains({c.slot.holder, c.slot.key});
+    });
 }
 
 void Finder::apply(int object, const QString &matched, const ClassRule &rule)
@@ -317,6 +319,9 @@ QList<FoundString> Finder::localizableStrings() const
     for (const Candidate &c : candidates)
         if (c.slot.occurrence < 0) ruleClass.insert({c.slot.holder, c.slot.key}, c.className);
     QList<FoundString> found;
+    bool any = false;
+    for (int i = 0; i < g.objectCount() && !any; ++i) any = g.classChain(i).value(0) == QLatin1String("NSLocalizableString");
+    if (!any) return found;
     for (int i = 0; i < g.objectCount(); ++i) {
         // A localizable string's own parts (its key, its development text) are not places
         // where it is shown.
