@@ -1,9 +1,11 @@
 // vocabrix-nibtool as the nibtool handler runs it: the listing (-L -8, with -I and -d), the merge
 // by text (-8 -d TABLE -w OUT), over compiled nibs and xibs alike; its failures as exit statuses.
+// And vocabrix-ibtool's two operations on a compiled nib.
 
 #include "Fixtures.h"
 #include "NibFixtures.h"
 #include "StringUtility.h"
+#include "IbtoolTable.h"
 #include "TestSupport.h"
 #include "nib/CompiledNib.h"
 #include "nibtool/NibtoolListing.h"
@@ -23,16 +25,16 @@ struct Run {
     QByteArray err;
 };
 
-QString toolPath()
+QString toolPath(const char *name = "vocabrix-nibtool")
 {
-    return QDir(qEnvironmentVariable("VOCABRIX_TOOLS_DIR")).filePath(QStringLiteral("vocabrix-nibtool"));
+    return QDir(qEnvironmentVariable("VOCABRIX_TOOLS_DIR")).filePath(QString::fromLatin1(name));
 }
 
-Run runTool(const QStringList &args, const QString &workingDirectory)
+Run runTool(const QStringList &args, const QString &workingDirectory, const char *tool = "vocabrix-nibtool")
 {
     QProcess p;
     p.setWorkingDirectory(workingDirectory);
-    p.start(toolPath(), args);
+    p.start(toolPath(tool), args);
     Run r;
     if (!p.waitForStarted() || !p.waitForFinished(60'000)) return r;
     r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
@@ -192,6 +194,30 @@ private slots:
         QVERIFY(!r.err.isEmpty());
         QVERIFY(r.out.isEmpty());
         QVERIFY(!QFileInfo::exists(path(u"never.nib"_qs)));
+    }
+
+    // The newer tool's table and merge work on compiled nibs too, keyed by object id.
+    void ibtoolTakesCompiledNibs()
+    {
+        const Run listed = runTool({u"--generate-strings-file"_qs, u"ib.strings"_qs, u"Window.nib"_qs}, m_dir.path(),
+                                   "vocabrix-ibtool");
+        QCOMPARE(listed.exitCode, 0);
+        QString error;
+        const auto table = readStringsTable(path(u"ib.strings"_qs), &error);
+        QVERIFY2(table, qPrintable(error));
+        QCOMPARE(table->value(u"13.title"_qs), u"OK"_qs);
+        QCOMPARE(table->size(), 12);
+        TestSupport::writeFile(path(u"ib-fr.strings"_qs), "\"13.title\" = \"Valider\";\n");
+        const Run merged = runTool({u"Window.nib"_qs, u"--strings-file"_qs, u"ib-fr.strings"_qs, u"--write"_qs,
+                                    path(u"ib-out.nib"_qs)},
+                                   m_dir.path(), "vocabrix-ibtool");
+        QVERIFY2(merged.exitCode == 0, merged.err.constData());
+        const auto written = openInterfaceFile(path(u"ib-out.nib"_qs), &error);
+        QVERIFY2(written, qPrintable(error));
+        QHash<QString, QString> got;
+        for (const LocalizableString &s : written->strings()) got.insert(s.key(), s.value);
+        QCOMPARE(got.value(u"13.title"_qs), u"Valider"_qs);
+        QCOMPARE(got.value(u"11.title"_qs), u"OK"_qs);  // the other user of the shared text
     }
 
     // Titles holding "> (" or "*/" would mislead whoever reads the comment: the comment shows
