@@ -52,7 +52,9 @@ bool LocEntry::isLeopardNibEntry() const
 
 OptString LocEntry::objectID() const
 {
-    return substringFrom(m_entry, kObjectIdMark, QStringLiteral("\"; */"));
+    // Cut at the quote that closes the id, not at the comment's end: a localizer note may follow
+    // the ObjectID field ("; Note = ..."), and the id must not take it along.
+    return substringFrom(m_entry, kObjectIdMark, kQuote);
 }
 
 OptString LocEntry::wordType() const
@@ -125,13 +127,14 @@ void LocEntry::setCheck(bool check)
 void LocEntry::setLocalizedWord(const OptString &word)
 {
     if (!word) return;
-    if (!wordsEqual(localizedWord(), word)) setCheck(true);
+    const bool changed = !wordsEqual(localizedWord(), word);
     const QString escaped = escapeForStringsFile(*word);
     const QString mark = isLeopardNibEntry() ? QStringLiteral("\" = \"") : kPairOpen;
     const qsizetype at = m_entry.indexOf(mark);
     // A text without a pair line has no value to rewrite; it is left as it is.
-    if (at < 0) return;
-    m_entry = m_entry.left(at + mark.size()) + escaped + kPairClose;
+    if (at >= 0) m_entry = m_entry.left(at + mark.size()) + escaped + kPairClose;
+    // Checked after the rewrite, so that observers of the notification read the new word.
+    if (changed) setCheck(true);
 }
 
 void LocEntry::checkNeedToLocalize()

@@ -25,14 +25,13 @@ std::shared_ptr<LocFile> LocFile::initWithPath(const QString &path, const OptStr
     return file;
 }
 
-std::shared_ptr<LocFile> LocFile::initWithPath(const QString &path, const QString &dictEntry,
-                                               const QString &originalEntry)
+std::shared_ptr<LocFile> LocFile::initWithPath(const QString &path, const InterfaceTables &tables)
 {
     const QString ext = QFileInfo(path).suffix();
     if (ext != QLatin1String("nib") && ext != QLatin1String("xib")) return nullptr;
     std::shared_ptr<LocFile> file(new LocFile(path));
     if (ResourceHandler *handler = HandlerRegistry::handler(HandlerKind::Nibtool))
-        handler->parseEntries(*file, dictEntry, originalEntry);
+        handler->parseEntries(*file, tables.dictEntry, tables.originalEntry);
     file->registerMyNotifications();
     return file;
 }

@@ -14,9 +14,14 @@ public:
     // None for an extension other than nib, xib, strings, plist (compared exactly).
     static std::shared_ptr<LocFile> initWithPath(const QString &path, const OptString &dictionaryPath,
                                                  const OptString &previousPath);
-    // An interface file whose entries come from a localized and a base string table.
-    static std::shared_ptr<LocFile> initWithPath(const QString &path, const QString &dictEntry,
-                                                 const QString &originalEntry);
+    // An interface file whose entries come from a localized and a base string table. The texts
+    // travel in a struct of their own: with three plain strings, a call meant for the overload
+    // above (dictionary and previous paths) would silently land here.
+    struct InterfaceTables {
+        QString dictEntry;      // the localized table's text
+        QString originalEntry;  // the base table's text
+    };
+    static std::shared_ptr<LocFile> initWithPath(const QString &path, const InterfaceTables &tables);
     // Archive: class "LocFile" version 1, the path, then every entry. None when corrupt.
     static constexpr qint32 classVersion = 1;
     static std::shared_ptr<LocFile> initWithCoder(QDataStream &in);

@@ -3,6 +3,7 @@
 #include "PropertyList.h"
 
 #include <QFile>
+#include <QMutex>
 #include <QStringDecoder>
 
 #include <cstring>
@@ -304,6 +305,29 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error)
 
 }  // namespace StringsTable
 
+namespace {
+
+// The same dictionary is read once for every file added to a document: a large one would be
+// parsed hundreds of times over. The maps of the last few files read are kept with the bytes
+// they came from; reading the bytes again and comparing them is cheap beside parsing, and
+// makes a stale answer impossible whatever happened to the file meanwhile.
+struct CachedRead {
+    QString path;
+    QByteArray bytes;
+    StringMap map;
+};
+
+QMutex cacheMutex;
+QList<CachedRead> &readCache()
+{
+    static QList<CachedRead> cache;
+    return cache;
+}
+constexpr qsizetype kCachedFiles = 4;
+constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse faster than they compare
+
+}  // namespace
+
 std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error)
 {
     QFile file(path);
@@ -311,7 +335,22 @@ std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, Strin
         if (error) *error = {0, file.errorString()};
         return std::nullopt;
     }
-    return StringsTable::parseData(file.readAll(), error);
+    const QByteArray bytes = file.readAll();
+    const bool cacheable = bytes.size() >= kSmallestCachedFile;
+    if (cacheable) {
+        QMutexLocker lock(&cacheMutex);
+        for (const CachedRead &c : std::as_const(readCache()))
+            if (c.path == path && c.bytes == bytes) return c.map;
+    }
+    auto map = StringsTable::parseData(bytes, error);
+    if (map && cacheable) {
+        QMutexLocker lock(&cacheMutex);
+        QList<CachedRead> &cache = readCache();
+        cache.removeIf([&](const CachedRead &c) { return c.path == path; });
+        cache.prepend({path, bytes, *map});
+        while (cache.size() > kCachedFiles) cache.removeLast();
+    }
+    return map;
 }
 
 std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path)

@@ -201,7 +201,7 @@ LocFilePtr MyDocument::readNibAndStringsFile()
     if (!originalFile) return nullptr;
     const OptString original = readUtf8File(*originalFile);
     if (!original || original->isEmpty()) return nullptr;
-    LocFilePtr file = LocFile::initWithPath(*nib, *translations, *original);
+    LocFilePtr file = LocFile::initWithPath(*nib, LocFile::InterfaceTables{*translations, *original});
     if (!file) return nullptr;
     m_files.append(file);
     update();

@@ -35,6 +35,26 @@ private slots:
         QCOMPARE(e->keyWord(), OptString(S("12.title")));
     }
 
+    void localizerNoteAfterTheObjectId()
+    {
+        auto e = LocEntry::initWithEntry(
+            S("/* Class = \"NSMenuItem\"; title = \"Open\"; ObjectID = \"a1-b2\"; Note = \"verb\"; */\n\"a1-b2.title\" = \"Open\";"));
+        QCOMPARE(e->objectID(), OptString(S("a1-b2")));
+        QCOMPARE(e->keyWord(), OptString(S("a1-b2.title")));
+        QCOMPARE(e->baseWord(), OptString(S("Open")));
+    }
+
+    void observersReadTheNewWord()
+    {
+        auto e = LocEntry::initWithEntry(kStringsEntry);
+        OptString seen;
+        auto connection = connect(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified, this,
+                                  [&](LocEntry *entry) { seen = entry->localizedWord(); });
+        e->setLocalizedWord(S("Öffnen"));
+        disconnect(connection);
+        QCOMPARE(seen, OptString(S("Öffnen")));
+    }
+
     void interfaceFileEntryWithEmptyValues()
     {
         auto e = LocEntry::initWithEntry(S("/* Class = \"NSTextFieldCell\"; title = \"\"; ObjectID = \"7\"; */\n\"7.title\" = \"\";"));

@@ -113,6 +113,18 @@ private slots:
         StringsTable::Error error;
         QVERIFY(!dictionaryWithContentsOfFile(dir.filePath(S("missing.strings")), &error));
         QVERIFY(!error.message.isEmpty());
+
+        // Large tables are reused from memory only while their bytes are unchanged: a rewrite of
+        // the same size, however soon after, is seen.
+        QByteArray big;
+        for (int i = 0; i < 5000; ++i) big += "\"key" + QByteArray::number(i) + "\" = \"value\";\n";
+        TestSupport::writeFile(path, big + "\"last\" = \"1\";");
+        QCOMPARE(dictionaryWithContentsOfFile(path)->value(S("last")), S("1"));
+        TestSupport::writeFile(path, big + "\"last\" = \"2\";");
+        QCOMPARE(dictionaryWithContentsOfFile(path)->value(S("last")), S("2"));
+        QCOMPARE(dictionaryWithContentsOfFile(path)->size(), 5001);
+        QVERIFY(QFile::remove(path));
+        QVERIFY(!dictionaryWithContentsOfFile(path));
     }
 
     // Every corpus table with a map read by the peer reads to an equal map, or to nothing where
