@@ -21,7 +21,6 @@ namespace {
 
 const QString kBlockSeparator = QStringLiteral("\";\n\n/*");
 const QString kToolTableSuffix = QStringLiteral("__temp.strings");
-const QString kMergeTableSuffix = QStringLiteral("--temp.strings");
 
 QString stemOf(const QString &path) { return QFileInfo(path).completeBaseName(); }
 QString folderOf(const QString &path) { return QFileInfo(path).absolutePath(); }
@@ -145,23 +144,12 @@ OptString stringForObjectID(const OptString &objectID, const OptString &wordType
 
 OptString ibtoolMakeStringsFile(LocFile &file, StringMap &pairs)
 {
-    QString text;
     for (const LocEntryPtr &entry : file.allEntries()) {
-        text += entry->entry();
-        text += QLatin1String("\n\n");
         const OptString base = entry->baseWord();
         const OptString localized = entry->localizedWord();
         if (wordLength(base) > 0 && wordLength(localized) > 0) pairs.insert(*base, *localized);
     }
-    const QString path = QDir(folderOf(file.path())).filePath(stemOf(file.path()) + kMergeTableSuffix);
-    QSaveFile out(path);
-    const QByteArray bytes = text.toUtf8();
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
-        file.addWarning(QStringLiteral("The table of translations could not be written beside \"%1\": %2")
-                            .arg(file.path(), out.errorString()));
-        return std::nullopt;
-    }
-    return path;
+    return InterfaceTool::writeMergeTable(file);
 }
 
 StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)

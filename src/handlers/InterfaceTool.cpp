@@ -1,10 +1,12 @@
 #include "InterfaceTool.h"
+#include "LocFile.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSaveFile>
 
 namespace InterfaceTool {
 
@@ -129,6 +131,25 @@ QString describeFailure(Kind kind, const QString &program, const Result &result)
         return QStringLiteral("The interface tool \"%1\" failed (exit status %2).").arg(program).arg(result.exitCode);
     }
     return QString();
+}
+
+std::optional<QString> writeMergeTable(LocFile &file)
+{
+    QString text;
+    for (const LocEntryPtr &entry : file.allEntries()) {
+        text += entry->entry();
+        text += QLatin1String("\n\n");
+    }
+    const QFileInfo base(file.path());
+    const QString path = QDir(base.absolutePath()).filePath(base.completeBaseName() + QStringLiteral("--temp.strings"));
+    QSaveFile out(path);
+    const QByteArray bytes = text.toUtf8();
+    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
+        file.addWarning(QStringLiteral("The table of translations could not be written beside \"%1\": %2")
+                            .arg(file.path(), out.errorString()));
+        return std::nullopt;
+    }
+    return path;
 }
 
 }  // namespace InterfaceTool

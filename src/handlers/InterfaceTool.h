@@ -1,10 +1,14 @@
 #pragma once
+
+#include <optional>
 // Finding and running the interface tools (ibtool, nibtool) as child processes: argument lists,
 // never a shell; a run that hangs is stopped after a generous timeout and counts as a failure.
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+
+class LocFile;
 
 namespace InterfaceTool {
 
@@ -46,5 +50,10 @@ Result run(const QString &program, const QStringList &arguments, const QString &
 // tool's own message (its standard error, or the description in an ibtool-style property list
 // on standard output). Empty for a run that succeeded.
 QString describeFailure(Kind kind, const QString &program, const Result &result);
+
+// Writes every entry's raw text, one blank line apart, as the merge table "<stem>--temp.strings"
+// beside the interface file, atomically. Its path, or none (with a warning on the file) when
+// it could not be written.
+std::optional<QString> writeMergeTable(LocFile &file);
 
 }  // namespace InterfaceTool

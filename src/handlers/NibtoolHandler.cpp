@@ -22,7 +22,6 @@ namespace nibHandle {
 namespace {
 
 const QString kBlockSeparator = QStringLiteral("\";\n\n/*");
-const QString kMergeTableSuffix = QStringLiteral("--temp.strings");
 // Enough of the tool's standard error to say why it failed; the rest is dropped as it comes.
 constexpr qsizetype kErrorTail = 4096;
 
@@ -218,21 +217,7 @@ OptString localizedWordForEntry(const QString &entry, const QString &translated)
 
 OptString makeStringsFile(LocFile &file)
 {
-    QString text;
-    for (const LocEntryPtr &entry : file.allEntries()) {
-        text += entry->entry();
-        text += QLatin1String("\n\n");
-    }
-    const QFileInfo base(file.path());
-    const QString path = QDir(base.absolutePath()).filePath(base.completeBaseName() + kMergeTableSuffix);
-    QSaveFile out(path);
-    const QByteArray bytes = text.toUtf8();
-    if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {
-        file.addWarning(QStringLiteral("The table of translations could not be written beside \"%1\": %2")
-                            .arg(file.path(), out.errorString()));
-        return std::nullopt;
-    }
-    return path;
+    return InterfaceTool::writeMergeTable(file);
 }
 
 StringMap makeLocalizedNibFileAt(LocFile &file, const QString &folder)

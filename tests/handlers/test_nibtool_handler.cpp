@@ -235,11 +235,11 @@ private slots:
     // Two listings the user chose (initWithPath:dictEntry:originalEntry:).
     void entriesFromTwoListings()
     {
-        const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), S(kTranslated), S(kBase));
+        const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)});
         QVERIFY(file);
         QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel-")}));
         QCOMPARE(file->entries().size(), 4);
-        QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), S(kTranslated), S(kBase)));
+        QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)}));
     }
 
     // The built vocabrix-nibtool on a compiled nib: previous version and dictionary in, the
