@@ -328,21 +328,15 @@ constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse fast
 
 }  // namespace
 
-std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error)
+std::optional<StringMap> StringsTable::parseFileData(const QString &path, const QByteArray &bytes, Error *error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (error) *error = {0, file.errorString()};
-        return std::nullopt;
-    }
-    const QByteArray bytes = file.readAll();
     const bool cacheable = bytes.size() >= kSmallestCachedFile;
     if (cacheable) {
         QMutexLocker lock(&cacheMutex);
         for (const CachedRead &c : std::as_const(readCache()))
             if (c.path == path && c.bytes == bytes) return c.map;
     }
-    auto map = StringsTable::parseData(bytes, error);
+    auto map = parseData(bytes, error);
     if (map && cacheable) {
         QMutexLocker lock(&cacheMutex);
         QList<CachedRead> &cache = readCache();
@@ -351,6 +345,16 @@ std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, Strin
         while (cache.size() > kCachedFiles) cache.removeLast();
     }
     return map;
+}
+
+std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error) *error = {0, file.errorString()};
+        return std::nullopt;
+    }
+    return StringsTable::parseFileData(path, file.readAll(), error);
 }
 
 std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path)

@@ -23,6 +23,11 @@ std::optional<StringMap> parse(QStringView text, Error *error = nullptr);
 // text form) are read as their map too: built applications carry string tables in binary form.
 std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullptr);
 
+// parseData for the bytes of the file at `path`. Large tables are kept in memory with the bytes
+// they came from (a few files), so a dictionary consulted for every file of a bundle is parsed
+// once; comparing the bytes makes a stale answer impossible.
+std::optional<StringMap> parseFileData(const QString &path, const QByteArray &data, Error *error = nullptr);
+
 }  // namespace StringsTable
 
 // Nothing for a missing file, a syntax error or undecodable bytes.

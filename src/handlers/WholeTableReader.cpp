@@ -55,7 +55,7 @@ std::optional<StringMap> readWholeTable(LocFile &file, const OptString &path, Ta
     }
     const QByteArray bytes = in.readAll();
     StringsTable::Error error;
-    if (auto map = StringsTable::parseData(bytes, &error)) return map;
+    if (auto map = StringsTable::parseFileData(*path, bytes, &error)) return map;
 
     // The table reader knows UTF-8 and marked UTF-16 only; old tables come in other encodings too.
     const TextEncoding guessed = detectTextEncoding(bytes);
