@@ -156,14 +156,28 @@ void LocEntry::encodeWithCoder(QDataStream &out) const
     Archive::writeClass(out, QStringLiteral("LocEntry"), classVersion);
     Archive::writeString(out, m_entry);
     Archive::writeBoxedBool(out, m_check);
+    Archive::writeString(out, m_developerComment);
+    out << bool(m_previousBaseWord);
+    Archive::writeString(out, m_previousBaseWord.value_or(QString()));
 }
 
 std::shared_ptr<LocEntry> LocEntry::initWithCoder(QDataStream &in)
 {
-    if (!Archive::readClass(in, QStringLiteral("LocEntry"), classVersion)) return nullptr;
+    qint32 version = 0;
+    if (!Archive::readClass(in, QStringLiteral("LocEntry"), classVersion, &version)) return nullptr;
     const auto text = Archive::readString(in);
     if (!text) return nullptr;
     const auto check = Archive::readBoxedBool(in);
     if (!check) return nullptr;
-    return std::make_shared<LocEntry>(*text, *check);
+    auto entry = std::make_shared<LocEntry>(*text, *check);
+    if (version >= 2) {
+        const auto comment = Archive::readString(in);
+        bool hasPrevious = false;
+        in >> hasPrevious;
+        const auto previous = Archive::readString(in);
+        if (!comment || !previous || in.status() != QDataStream::Ok) return nullptr;
+        entry->m_developerComment = *comment;
+        if (hasPrevious) entry->m_previousBaseWord = *previous;
+    }
+    return entry;
 }

@@ -44,8 +44,18 @@ public:
     void checkNeedToLocalizeWithDictionary(const StringMap *dictionary);
     void registerMyNotifications() {}
 
-    // Archive: class name, class version 1, the text, the boxed mark. Reading posts nothing.
-    static constexpr qint32 classVersion = 1;
+    // Notes kept beside the raw text, never part of it (the text keeps its one shape for every
+    // reader of entries): the comment the base table's developer wrote above the pair, shown to
+    // the translator; and, when the base text changed since the previous release, the previous
+    // release's base word, so the translator can see what the old translation was made for.
+    const QString &developerComment() const { return m_developerComment; }
+    void setDeveloperComment(const QString &comment) { m_developerComment = comment; }
+    const OptString &previousBaseWord() const { return m_previousBaseWord; }
+    void setPreviousBaseWord(const OptString &word) { m_previousBaseWord = word; }
+
+    // Archive: class name, class version 2, the text, the boxed mark, then the two notes.
+    // Version 1 archives (text and mark only) still read. Reading posts nothing.
+    static constexpr qint32 classVersion = 2;
     void encodeWithCoder(QDataStream &out) const;
     static std::shared_ptr<LocEntry> initWithCoder(QDataStream &in);
 
@@ -56,6 +66,8 @@ private:
     void applyInitialCheck();
     QString m_entry;
     std::optional<bool> m_check;
+    QString m_developerComment;
+    OptString m_previousBaseWord;
 };
 
 using LocEntryPtr = std::shared_ptr<LocEntry>;
