@@ -6,6 +6,9 @@
 #include "LocFile.h"
 #include "PlistWordEscaping.h"
 #include "Settings.h"
+#include "StringsHandler.h"
+#include "StringsLayout.h"
+#include "TextFile.h"
 
 #include <QDir>
 #include <QFile>
@@ -53,6 +56,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         (void)e->entryBodyAsString();
     }
     file->makeLocalizedFileAt(dir.filePath(QStringLiteral("out")));
+
+    // A table the grammar takes, exported untranslated, is its own text again.
+    const QString out = dir.filePath(QStringLiteral("out/Localizable.strings"));
+    QFile::remove(out);
+    LocFile::initWithPath(base, OptString(), OptString())->makeLocalizedFileAt(dir.filePath(QStringLiteral("out")));
+    const OptString decoded = decodeTextFileData(bytes);
+    if (decoded) {
+        const QString table = StringUtility::replaceReturnCode(*decoded);
+        const bool propertyList = stringsHandle::isPropertyListTable(bytes, table.section(u'\n', 0, 0));
+        if (!propertyList && StringsLayout::read(table)) {
+            QFile written(out);
+            if (!written.open(QIODevice::ReadOnly) || QString::fromUtf8(written.readAll()) != table) __builtin_trap();
+        }
+    }
 
     const QString text = QString::fromUtf8(bytes);
     if (unescapePlistWord(escapePlistWord(text)) != text) __builtin_trap();

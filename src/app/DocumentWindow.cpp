@@ -224,6 +224,8 @@ void DocumentWindow::wireDocument()
     connect(doc, &MyDocument::documentEditedChanged, this, &DocumentWindow::updateWindowTitle);
     connect(doc, &MyDocument::filePathChanged, this, &DocumentWindow::updateWindowTitle);
     connect(doc, &MyDocument::filesChanged, this, &DocumentWindow::validateItems);
+    for (const LocFilePtr &file : doc->files()) m_reportedFiles.insert(file.get());
+    connect(doc, &MyDocument::filesChanged, this, &DocumentWindow::reportNewFileWarnings);
     connect(doc, &MyDocument::documentEditedChanged, this, &DocumentWindow::validateItems);
     // The file table repaints its rows once per pass of the event loop; the summary with it.
     connect(m_fileModel, &QAbstractItemModel::dataChanged, this, &DocumentWindow::updateSummary);

@@ -9,10 +9,12 @@
 #include "LocFile.h"
 
 #include <QHash>
+#include <QSet>
 #include <QMainWindow>
 #include <memory>
 
 class Dialogs;
+struct ExportResult;
 class EntryEditor;
 class EntryTableModel;
 class FileTableModel;
@@ -98,6 +100,10 @@ private:
     void makeMyToolBarItems();
     void makeMenus();
     void validateItems();
+    // What reading or writing files could not take, shown once (a sheet that does not block).
+    void reportNewFileWarnings();
+    void reportWarnings(const QString &title, const QStringList &warnings);
+    void reportExportWarnings(const QHash<const LocFile *, qsizetype> &before);
     void updateWindowTitle();
     void updateSummary();
     void updateSpellLanguage();
@@ -129,6 +135,7 @@ private:
     QToolBar *m_toolbar = nullptr;
     QHash<QString, QAction *> m_toolbarItems;
     QHash<QString, QAction *> m_menuActions;
+    QSet<const LocFile *> m_reportedFiles;
 
     // Kept across a rebuild of a list, to select the same objects again.
     QList<const LocFile *> m_filesBeforeReset;

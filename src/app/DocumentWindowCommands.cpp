@@ -177,6 +177,27 @@ void DocumentWindow::addNewFile()
     if (added > 0) statusBar()->showMessage(countedText(added, tr("1 file added."), tr("%1 files added.")), 5000);
 }
 
+void DocumentWindow::reportNewFileWarnings()
+{
+    QStringList warnings;
+    for (const LocFilePtr &file : m_document->files())
+        if (!m_reportedFiles.contains(file.get())) {
+            m_reportedFiles.insert(file.get());
+            warnings.append(file->warnings());
+        }
+    reportWarnings(localizedString(QStringLiteral("Some files were not read as they are.")), warnings);
+}
+
+void DocumentWindow::reportWarnings(const QString &title, const QStringList &warnings)
+{
+    if (warnings.isEmpty()) return;
+    Alert alert;
+    alert.title = title;
+    alert.message = warnings.join(QLatin1String("\n\n"));
+    alert.style = AlertStyle::Warning;
+    dialogs().showAlertSheet(alert);
+}
+
 namespace {
 QString exportedText(const ExportResult &result)
 {
@@ -186,20 +207,44 @@ QString exportedText(const ExportResult &result)
 }
 }  // namespace
 
+namespace {
+// Warnings each file carries before an export, so that only the export's own are reported.
+QHash<const LocFile *, qsizetype> warningCounts(const QList<LocFilePtr> &files)
+{
+    QHash<const LocFile *, qsizetype> counts;
+    for (const LocFilePtr &file : files) counts.insert(file.get(), file->warnings().size());
+    return counts;
+}
+}  // namespace
+
 void DocumentWindow::exportSelectedFiles()
 {
     m_entryEditor->commit();
+    const auto before = warningCounts(m_document->files());
     const ExportResult result = m_document->makeLocalizedFilesAction(selectedFiles());
-    if (!result.cancelled)
+    if (!result.cancelled) {
         statusBar()->showMessage(exportedText(result), 8000);
+        reportExportWarnings(before);
+    }
 }
 
 void DocumentWindow::exportAllFiles()
 {
     m_entryEditor->commit();
+    const auto before = warningCounts(m_document->files());
     const ExportResult result = m_document->makeAllLocalizedFilesAction();
-    if (!result.cancelled)
+    if (!result.cancelled) {
         statusBar()->showMessage(exportedText(result), 8000);
+        reportExportWarnings(before);
+    }
+}
+
+void DocumentWindow::reportExportWarnings(const QHash<const LocFile *, qsizetype> &before)
+{
+    QStringList warnings;
+    for (const LocFilePtr &file : m_document->files())
+        warnings.append(file->warnings().mid(before.value(file.get(), file->warnings().size())));
+    reportWarnings(localizedString(QStringLiteral("Some files were not exported as they should be.")), warnings);
 }
 
 void DocumentWindow::deleteCurrentFile()

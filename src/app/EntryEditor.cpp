@@ -43,8 +43,18 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
         emit continuousSpellCheckingChanged(on);
     });
 
+    // What the developer wrote above the pair ("Preferences -> Transfers -> Magnet tooltip"):
+    // often the only hint of where a word is shown.
+    m_commentLabel = new QLabel(this);
+    m_commentLabel->setObjectName(QStringLiteral("developerComment"));
+    m_commentLabel->setWordWrap(true);
+    m_commentLabel->setTextFormat(Qt::PlainText);
+    m_commentLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_commentCaption = new QLabel(tr("Note:"), this);
+
     auto *form = new QFormLayout;
     form->addRow(tr("Base word:"), m_basewordField);
+    form->addRow(m_commentCaption, m_commentLabel);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_checkBox);
     buttons->addStretch();
@@ -85,6 +95,10 @@ void EntryEditor::setEntry(const LocEntryPtr &entry)
     m_loading = true;
     m_basewordField->setText(entry ? wordOrEmpty(entry->baseWord()) : QString());
     m_entryField->setPlainText(entry ? wordOrEmpty(entry->localizedWord()) : QString());
+    const QString comment = entry ? entry->developerComment() : QString();
+    m_commentLabel->setText(comment);
+    m_commentLabel->setVisible(!comment.isEmpty());
+    m_commentCaption->setVisible(!comment.isEmpty());
     m_loading = false;
     m_dirty = false;
     m_entryField->setEnabled(entry != nullptr);

@@ -13,6 +13,7 @@
 class MyDocument;
 class QAction;
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
@@ -42,6 +43,7 @@ public:
     const SpellHighlighter *highlighter() const { return m_highlighter; }
 
     QLineEdit *basewordField() const { return m_basewordField; }
+    QLabel *commentLabel() const { return m_commentLabel; }
     QPlainTextEdit *entryField() const { return m_entryField; }
     QCheckBox *checkBox() const { return m_checkBox; }
     QPushButton *finishButton() const { return m_finishButton; }
@@ -66,6 +68,8 @@ private:
     SpellChecker m_spellChecker;
     QString m_spellLanguageName;
     QLineEdit *m_basewordField;
+    QLabel *m_commentLabel;
+    QLabel *m_commentCaption;
     QPlainTextEdit *m_entryField;
     QCheckBox *m_checkBox;
     QPushButton *m_finishButton;

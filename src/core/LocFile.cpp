@@ -5,6 +5,7 @@
 #include "Settings.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 LocFile::LocFile(const QString &path) : m_path(path) {}
 LocFile::~LocFile() = default;
@@ -55,11 +56,43 @@ void LocFile::hideEntry(const LocEntry *entry)
     if (shown.size() != m_entries.size()) setEntries(shown);
 }
 
+namespace {
+// Entries keep their words escaped as in a string table; the pairs a handler returns are plain.
+QString plainWord(const QString &word)
+{
+    if (!word.contains(u'\\')) return word;
+    QString plain = word;
+    plain.replace(QLatin1String("\\n"), QLatin1String("\n")).replace(QLatin1String("\\\""), QLatin1String("\""));
+    return plain.replace(QLatin1String("\\\\"), QLatin1String("\\"));
+}
+}  // namespace
+
 StringMap LocFile::makeLocalizedFileAt(const QString &folder)
 {
     const auto kind = HandlerRegistry::kindForPath(m_path);
     ResourceHandler *handler = kind ? HandlerRegistry::handler(*kind) : nullptr;
-    return handler ? handler->makeLocalized(*this, folder) : StringMap();
+    return handler ? translatorPairs(handler->makeLocalized(*this, folder)) : StringMap();
+}
+
+StringMap LocFile::translatorPairs(const StringMap &pairs) const
+{
+    // A word left as its base word teaches the dictionary nothing unless the translator checked
+    // it ("OK" = "OK"); taking it anyway would pre-fill and check every entry of the next
+    // document with the untranslated text.
+    QSet<QString> confirmed;
+    for (const LocEntryPtr &entry : m_allEntries) {
+        if (!entry->isChecked() || !StringUtility::wordsEqual(entry->localizedWord(), entry->baseWord())) continue;
+        confirmed.insert(*entry->baseWord());
+        confirmed.insert(plainWord(*entry->baseWord()));
+    }
+    StringMap kept;
+    kept.reserve(pairs.size());
+    for (const auto &[base, localized] : pairs) {
+        if (base.isEmpty() || localized.isEmpty()) continue;
+        if (localized == base && !confirmed.contains(base)) continue;
+        kept.insert(base, localized);
+    }
+    return kept;
 }
 
 void LocFile::resetEntries()

@@ -45,7 +45,13 @@ public:
     // Removes one entry from the shown list (an entry just checked while checked ones are hidden).
     void hideEntry(const LocEntry *entry);
 
+    // Writes the localized file through the handler; returns the pairs the dictionary may learn
+    // from it (translatorPairs of the handler's pairs).
     StringMap makeLocalizedFileAt(const QString &folder);
+    // Of a handler's base-to-localized pairs, those that are the translator's work: a localized
+    // word that differs from its base word, or one that an entry confirmed by its check mark.
+    // Empty words never count.
+    StringMap translatorPairs(const StringMap &pairs) const;
     void searchEntryWithKey(const OptString &key);
     void resetEntries();
     LocEntryPtr entryForKey(const OptString &baseWord) const;

@@ -1,17 +1,23 @@
-// The strings-file handler. Base tables are read line by line on purpose: an entry keeps the
-// pair's key and value exactly as the file writes them (escapes included), and export writes them
-// back the same way. What that reading cannot take is reported, never dropped silently (see
-// StringsLineCheck). Decisions taken here beyond the line rules:
-//  - A line with an empty value becomes "/* \"key\"=\"\" */\n\"\" = \"\";": its key word is the
-//    key, its base word is empty (so "IgnoreEmptyWords" hides it and it starts checked) and it
-//    is written back as "key" = "". A line with an empty key keeps the usual entry shape; the
-//    key word is then empty and export writes the key back empty ("" = "value";), where the
-//    usual rebuild would have put the value in the key's place. Its previous word is looked up
-//    under the empty key, not under its value.
-//  - A key that the previous version does not hold in the lookup form (only \n and \" resolved)
-//    is looked up once more as the table grammar reads it, so that keys with \t, \\ or \U
-//    escapes find their previous word too; the first form is tried first and wins.
-//  - An unquoted key (CFBundleName = "..."; in InfoPlist.strings) loses its indentation.
+// The strings-file handler. Base tables are read by the table grammar (StringsLayout): one entry
+// per pair in file order, each keeping the comment written above it for the translator, and the
+// localized table is the base table with its values replaced, so comments, blank lines, order
+// and spacing stay as the developer wrote them. Decisions taken here:
+//  - An entry keeps the usual text "/* \"key\"=\"value\" */\n\"value\" = \"value\";" with both
+//    words in their escaped form; a line break written literally inside a word stands as \n
+//    there, so every entry is one comment line and one pair line. A short-form pair ("key";)
+//    has its key as value; an unquoted word is taken as it is.
+//  - A pair with an empty value is "/* \"key\"=\"\" */\n\"\" = \"\";": its base word is empty
+//    (so "IgnoreEmptyWords" hides it and it starts checked). A pair with an empty key keeps the
+//    usual shape; its previous word is looked up under the empty key.
+//  - The previous version is looked up by the key as the grammar reads it (all escapes
+//    resolved); the dictionary by the base word, escaped form first, then as the grammar reads it.
+//  - Export replaces only the values that the translator changed; an untranslated value keeps
+//    its bytes. Entries are matched to the base table's pairs by key (the n-th entry of a key to
+//    the n-th pair of that key), so a base table edited since it was added still exports right.
+//  - A table the grammar refuses has no entries and is never written back: the user is told
+//    where it breaks.
+//  - The pairs returned for the dictionary are base word to localized word, as every handler's
+//    are, so that tables keyed by identifiers teach words that other files can use.
 //  - A table that is a property list (binary, or XML by its first line) is read by the
 //    property-list handler and written back as an XML property list with the base file's keys
 //    and the localized values (see PlistHandler); "InfoPlist.strings" still returns no pairs.
@@ -20,7 +26,7 @@
 #include "Handlers.h"
 #include "LocFile.h"
 #include "PlistHandler.h"
-#include "StringsLineCheck.h"
+#include "StringsLayout.h"
 #include "StringsTable.h"
 #include "TextFile.h"
 #include "WholeTableReader.h"
@@ -28,6 +34,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QSaveFile>
 
 using namespace StringUtility;
@@ -36,8 +43,6 @@ namespace stringsHandle {
 namespace {
 
 const QString kInfoPlistStrings = QStringLiteral("InfoPlist.strings");
-const QString kPairOpen = QStringLiteral(" = \"");
-const QString kPairClose = QStringLiteral("\";");
 
 struct BaseTable {
     QByteArray bytes;
@@ -81,45 +86,34 @@ BaseTable readBaseTable(LocFile &file, bool warn)
     return base;
 }
 
-bool qualifies(const QString &line)
+QString syntaxWarning(const LocFile &file, const StringsTable::Error &error, const char *consequence)
 {
-    return line.contains(u'"') && line.contains(u'=') && line.contains(kPairClose);
+    const QString where = error.line > 0 ? QStringLiteral(" at line %1").arg(error.line) : QString();
+    return QStringLiteral("%1 breaks the string-table syntax%2 (%3). %4")
+        .arg(displayPath(file.path()), where, error.message, QLatin1String(consequence));
 }
 
-// The key of a normalised pair line, by the base-word rules of an entry without a comment.
-QString lineKey(const QString &line)
+// The word of a table in the escaped form entries keep: line feeds as \n.
+QString entryWord(const QString &plain)
 {
-    if (OptString key = substringFrom(line, QStringLiteral("\""), QStringLiteral("\" = "))) return *key;
-    if (QStringView(line).trimmed().startsWith(QLatin1String("\"\" = "))) return QString();
-    // Only an unquoted key is cut this way; its indentation is no part of it.
-    if (OptString key = substringTo(line, QStringLiteral(" = "))) return key->trimmed();
-    return QString();
+    return replaceStringFrom(plain, QStringLiteral("\n"), QStringLiteral("\\n"));
 }
 
-QString lookupKey(const LocEntry &entry, const QString &lineKey)
+const QString *findPrevious(const StringMap &previous, const QString &key)
 {
-    QString key = lineKey.isEmpty() ? QString() : wordOrEmpty(entry.keyWord() ? entry.keyWord() : entry.baseWord());
-    key = replaceStringFrom(key, QStringLiteral("\\n"), QStringLiteral("\n"));
-    return replaceStringFrom(key, QStringLiteral("\\\""), QStringLiteral("\""));
+    if (const OptString plain = unescapedTableWord(key))
+        if (const QString *word = previous.find(*plain)) return word;
+    // The lookup form of older versions: only \n and \" resolved.
+    QString lookup = replaceStringFrom(key, QStringLiteral("\\n"), QStringLiteral("\n"));
+    lookup = replaceStringFrom(lookup, QStringLiteral("\\\""), QStringLiteral("\""));
+    return previous.find(lookup);
 }
 
-// The value of the pair line after the comment, as the rebuilt pair line of export takes it.
-QString pairLineValue(const LocEntry &entry)
+const QString *findInDictionary(const StringMap &dictionary, const QString &baseWord)
 {
-    const QString &text = entry.entry();
-    const QString commentEnd = QStringLiteral("\" */\n");
-    const qsizetype at = text.indexOf(commentEnd);
-    const qsizetype start = at < 0 ? 0 : at + commentEnd.size();
-    OptString value = substringFrom(text, kPairOpen, kPairClose, start, text.size() - start);
-    if (!value) value = entry.localizedWord();
-    return wordOrEmpty(value);
-}
-
-QString exportLine(const LocEntry &entry)
-{
-    if (entry.entry().startsWith(QLatin1String("/* \"\"=\"")))
-        return QStringLiteral("\"\" = \"%1\";").arg(pairLineValue(entry));
-    return entry.entryBodyAsString();
+    if (const QString *word = dictionary.find(baseWord)) return word;
+    const OptString plain = unescapedTableWord(baseWord);
+    return plain && *plain != baseWord ? dictionary.find(*plain) : nullptr;
 }
 
 }  // namespace
@@ -152,47 +146,44 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
     }
     const auto previous = readWholeTable(file, previousPath, TableRole::Previous);
     const auto dictionary = readWholeTable(file, dictionaryPath, TableRole::Dictionary);
-    const QString entryFormat = QStringLiteral("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";");
-
-    QList<LocEntryPtr> entries = file.allEntries();
-    QList<TakenPair> taken;
     const QString text = wordOrEmpty(base.text);
-    qsizetype lineNumber = 0;
-    for (const QStringView view : QStringView(text).split(u'\n')) {
-        ++lineNumber;
-        QString line = view.toString();
-        if (!qualifies(line)) continue;
-        line = replaceStringFrom(line, QStringLiteral("\"="), QStringLiteral("\" ="));
-        line = replaceStringFrom(line, QStringLiteral("=\""), QStringLiteral("= \""));
-        const QString key = lineKey(line);
-        const OptString value = substringFrom(line, kPairOpen, kPairClose);
-        taken.append({key, value, lineNumber});
+    StringsTable::Error error;
+    const auto layout = base.text ? StringsLayout::read(text, &error) : std::nullopt;
+    if (base.text && !layout) {
+        file.addWarning(syntaxWarning(file, error, "It has no entries: correct the file and add it again."));
+        file.finishReadingFile();
+        return;
+    }
+    const QString entryFormat = QStringLiteral("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";");
+    QList<LocEntryPtr> entries = file.allEntries();
+    const qsizetype pairCount = layout ? layout->pairs.size() : 0;
+    entries.reserve(entries.size() + pairCount);
+    for (qsizetype i = 0; i < pairCount; ++i) {
+        const StringsLayout::Pair &pair = layout->pairs[i];
+        const QString key = StringsLayout::escapedWord(text, pair.key);
+        const QString value = pair.shortForm ? key : StringsLayout::escapedWord(text, pair.value);
         // One pass of arg(): words holding "%1" go in as they are.
-        LocEntryPtr entry = LocEntry::initWithEntry(entryFormat.arg(key, wordOrEmpty(value)));
+        LocEntryPtr entry = LocEntry::initWithEntry(entryFormat.arg(key, value));
+        entry->setDeveloperComment(pair.comment);
         entries.append(entry);
 
         if (previous) {
-            const QString *word = previous->find(lookupKey(*entry, key));
-            // Keys with other escapes (\t, \\, \U) are found by their grammar reading too.
-            if (!word)
-                if (const OptString plain = unescapedTableWord(key)) word = previous->find(*plain);
-            if (word) {
-                entry->setLocalizedWord(replaceStringFrom(*word, QStringLiteral("\n"), QStringLiteral("\\n")));
+            if (const QString *word = findPrevious(*previous, key)) {
+                entry->setLocalizedWord(entryWord(*word));
                 entry->checkNeedToLocalize();
                 continue;
             }
         }
         const OptString baseWord = entry->baseWord();
         if (dictionary && wordLength(baseWord) > 0) {
-            if (const QString *word = dictionary->find(*baseWord)) {
-                entry->setLocalizedWord(*word);
+            if (const QString *word = findInDictionary(*dictionary, *baseWord)) {
+                entry->setLocalizedWord(entryWord(*word));
                 entry->checkNeedToLocalize();
             }
         }
     }
     file.setAllEntries(entries);
-    if (base.text) reportPairsNotTaken(file, text, taken);
-    if (taken.isEmpty() && file.warnings().size() == warningsBefore)
+    if (pairCount == 0 && file.warnings().size() == warningsBefore)
         file.addWarning(QStringLiteral("%1 holds no pairs to translate.").arg(displayPath(file.path())));
     file.finishReadingFile();
 }
@@ -207,17 +198,48 @@ StringMap makeLocalizedStringsFileAt(LocFile &file, const QString &folder)
     }
 
     const QString target = QDir(folder).filePath(name);
-    QString text;
-    for (const LocEntryPtr &entry : file.allEntries()) {
-        text += exportLine(*entry);
-        text += u'\n';
+    const BaseTable base = readBaseTable(file, false);
+    const QString text = wordOrEmpty(base.text);
+    StringsTable::Error error;
+    const auto layout = base.text ? StringsLayout::read(text, &error) : std::nullopt;
+    if (!layout) {
+        if (!base.text) error.message = QStringLiteral("the base table could not be read");
+        file.addWarning(syntaxWarning(file, error, "Its localized table was not written."));
+        return StringMap();
     }
+
+    // The n-th entry of a key goes to the n-th pair of that key.
+    QHash<QString, QList<const LocEntry *>> byKey;
+    for (const LocEntryPtr &entry : file.allEntries()) byKey[wordOrEmpty(entry->keyWord())].append(entry.get());
+    QList<OptString> values(layout->pairs.size());
+    StringMap pairs;
+    for (qsizetype i = 0; i < layout->pairs.size(); ++i) {
+        QList<const LocEntry *> &queue = byKey[StringsLayout::escapedWord(text, layout->pairs[i].key)];
+        if (queue.isEmpty()) continue;
+        const LocEntry *entry = queue.takeFirst();
+        const QString baseWord = wordOrEmpty(entry->baseWord());
+        const QString localized = wordOrEmpty(entry->localizedWord());
+        if (localized != baseWord) values[i] = localized;
+        const OptString plainBase = unescapedTableWord(baseWord);
+        const OptString plainLocalized = unescapedTableWord(localized);
+        if (plainBase && plainLocalized && !plainBase->isEmpty()) pairs.insert(*plainBase, *plainLocalized);
+    }
+    qsizetype unmatched = 0;
+    for (const auto &queue : std::as_const(byKey)) unmatched += queue.size();
+    if (unmatched > 0)
+        file.addWarning(QStringLiteral("%1: %2 of the document no longer in the base table, so not written. Add the "
+                                       "file again to translate the table as it is now.")
+                            .arg(displayPath(file.path()))
+                            .arg(unmatched == 1 ? QStringLiteral("1 entry is") : QStringLiteral("%1 entries are").arg(unmatched)));
+
     QSaveFile out(target);
-    if (!out.open(QIODevice::WriteOnly) || out.write(text.toUtf8()) < 0 || !out.commit())
+    if (!out.open(QIODevice::WriteOnly) || out.write(StringsLayout::withValues(text, *layout, values).toUtf8()) < 0
+        || !out.commit()) {
         file.addWarning(QStringLiteral("The localized table %1 could not be written (%2).")
                             .arg(displayPath(target), out.errorString()));
-    if (infoPlist) return StringMap();
-    return dictionaryWithContentsOfFile(target).value_or(StringMap());
+        return StringMap();
+    }
+    return infoPlist ? StringMap() : pairs;
 }
 
 }  // namespace stringsHandle

@@ -58,87 +58,81 @@ private slots:
         registerResourceHandlers();
     }
 
-    void lineMakesEntry_data()
+    // Every pair where the grammar puts it, words as the file writes them (escaped), with the
+    // comment just above it; what is no pair (comments, commented-out pairs) makes no entry.
+    void pairMakesEntry_data()
     {
-        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<QByteArray>("table");
         QTest::addColumn<QString>("key");
         QTest::addColumn<QString>("base");
-        QTest::addColumn<QString>("localized");
-        QTest::newRow("spaced") << B("\"a\" = \"b\";") << S("a") << S("b") << S("b");
-        QTest::newRow("tight") << B("\"a\"=\"b\";") << S("a") << S("b") << S("b");
-        QTest::newRow("left tight") << B("\"a\"= \"b\";") << S("a") << S("b") << S("b");
-        QTest::newRow("right tight") << B("\"a\" =\"b\";") << S("a") << S("b") << S("b");
-        QTest::newRow("indented, comment after") << B("\t  \"a\" = \"b\"; // note") << S("a") << S("b") << S("b");
-        QTest::newRow("commented-out pair") << B("/* \"a\" = \"b\"; */") << S("a") << S("b") << S("b");
-        QTest::newRow("unquoted key") << B("CFBundleName = \"Vienna\";") << S("CFBundleName") << S("Vienna") << S("Vienna");
-        QTest::newRow("indented unquoted key") << B("    CFBundleName = \"Vienna\";") << S("CFBundleName") << S("Vienna")
-                                               << S("Vienna");
-        QTest::newRow("escapes kept") << B("\"say \\\"hi\\\"\" = \"sag \\\"hallo\\\"\\n\";") << S("say \\\"hi\\\"")
-                                      << S("sag \\\"hallo\\\"\\n") << S("sag \\\"hallo\\\"\\n");
-        QTest::newRow("equals beside escaped quote gains a space")
-            << B("\"k\" = \"x\\\"=y\";") << S("k") << S("x\\\" =y") << S("x\\\" =y");
-        QTest::newRow("non-ASCII") << B("\"Öffnen\" = \"Öffnen…\";") << S("Öffnen") << S("Öffnen…") << S("Öffnen…");
+        QTest::addColumn<QString>("comment");
+        QTest::newRow("spaced") << B("\"a\" = \"b\";") << S("a") << S("b") << QString();
+        QTest::newRow("tight") << B("\"a\"=\"b\";") << S("a") << S("b") << QString();
+        QTest::newRow("tab after equals") << B("\"a\" =\t\"b\";") << S("a") << S("b") << QString();
+        QTest::newRow("over two lines") << B("\"a\" =\n  \"b\"\n;") << S("a") << S("b") << QString();
+        QTest::newRow("value spans lines") << B("\"a\" = \"one\ntwo\";") << S("a") << S("one\\ntwo") << QString();
+        QTest::newRow("short form") << B("\"Cancel\";") << S("Cancel") << S("Cancel") << QString();
+        QTest::newRow("unquoted words") << B("CFBundleName = Vienna;") << S("CFBundleName") << S("Vienna") << QString();
+        QTest::newRow("escapes kept") << B("\"say \\\"hi\\\"\" = \"x\\\"=y\\n\";") << S("say \\\"hi\\\"")
+                                      << S("x\\\"=y\\n") << QString();
+        QTest::newRow("non-ASCII") << B("\"Öffnen\" = \"Öffnen…\";") << S("Öffnen") << S("Öffnen…") << QString();
+        QTest::newRow("ibtool comment") << B("/* Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\"; */\n"
+                                             "\"5.title\" = \"Torrent Creator\";")
+                                        << S("5.title") << S("Torrent Creator")
+                                        << S("Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\";");
+        QTest::newRow("line comment") << B("// Preferences -> Transfers\n\"a\" = \"b\";") << S("a") << S("b")
+                                      << S("Preferences -> Transfers");
+        QTest::newRow("last of two comments") << B("/* one */\n/* two */\n\"a\" = \"b\";") << S("a") << S("b") << S("two");
+        QTest::newRow("commented-out pair is a comment") << B("/* \"old\" = \"gone\"; */\n\"a\" = \"b\";") << S("a")
+                                                         << S("b") << S("\"old\" = \"gone\";");
+        QTest::newRow("file header apart") << B("/* Localizable.strings */\n\n\"a\" = \"b\";") << S("a") << S("b") << QString();
     }
-    void lineMakesEntry()
+    void pairMakesEntry()
     {
-        QFETCH(QByteArray, line);
+        QFETCH(QByteArray, table);
         QFETCH(QString, key);
         QFETCH(QString, base);
-        QFETCH(QString, localized);
-        const LocFilePtr file = read(B("/* header */\n\n") + line + B("\n"));
+        QFETCH(QString, comment);
+        const LocFilePtr file = read(table + B("\n"));
         QCOMPARE(file->allEntries().size(), 1);
         const LocEntryPtr e = file->allEntries().first();
+        QCOMPARE(e->entry(), S("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";").arg(key, base));
         QCOMPARE(e->keyWord(), OptString(key));
         QCOMPARE(e->baseWord(), OptString(base));
-        QCOMPARE(e->localizedWord(), OptString(localized));
+        QCOMPARE(e->developerComment(), comment);
         QVERIFY(!e->isChecked());
-        QCOMPARE(file->status(), S("0/1"));
+        QVERIFY2(file->warnings().isEmpty(), qPrintable(file->warnings().join(u'\n')));
     }
 
-    void entryTextKeepsKeyAndValue()
+    void commentsBelongToTheirOwnPair()
     {
-        const LocFilePtr file = read(B("\"OpenKey\" = \"Open\";\n"));
-        QCOMPARE(file->allEntries().first()->entry(), S("/* \"OpenKey\"=\"Open\" */\n\"Open\" = \"Open\";"));
+        const LocFilePtr file = read(B("\"a\" = \"1\"; // about a\n\"b\" = \"2\";\n/* about c */\n\"c\" = \"3\";\n"));
+        QStringList comments;
+        for (const LocEntryPtr &e : file->allEntries()) comments << e->developerComment();
+        QCOMPARE(comments, QStringList({QString(), QString(), S("about c")}));
     }
 
-    void onlyPairLinesQualify()
+    // A table Foundation could not load is no base for a translation: no entries, the place
+    // named, and never a localized table written from it.
+    void brokenTableIsReportedAndNeverWritten_data()
     {
-        const QByteArray table = "// comment = \"x\"\n"
-                                 "/* block */\n"
-                                 "\n"
-                                 "\"one\" = \"1\";\n"
-                                 "\"multi\" = \"first line\n"
-                                 "second line\";\n"
-                                 "\"short\";\n"
-                                 "unquoted = value;\n"
-                                 "\"two\" = \"2\";\n";
+        QTest::addColumn<QByteArray>("table");
+        QTest::addColumn<QString>("where");
+        QTest::newRow("missing semicolon") << B("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";\n") << S("at line 3");
+        QTest::newRow("open quote") << B("\"a\" = \"1\";\n\"b\" = \"2;\n") << S("at line 2");
+        QTest::newRow("open comment") << B("\"a\" = \"1\";\n/* note\n") << S("at line 2");
+    }
+    void brokenTableIsReportedAndNeverWritten()
+    {
+        QFETCH(QByteArray, table);
+        QFETCH(QString, where);
         const LocFilePtr file = read(table);
-        QCOMPARE(file->allEntries().size(), 2);
-        QCOMPARE(file->allEntries().at(0)->keyWord(), OptString(S("one")));
-        QCOMPARE(file->allEntries().at(1)->keyWord(), OptString(S("two")));
-        // The user learns which pairs stayed behind.
-        const QString all = file->warnings().join(u'\n');
-        QVERIFY2(all.contains(S("\"multi\"")) && all.contains(S("\"short\"")) && all.contains(S("\"unquoted\"")),
-                 qPrintable(all));
-        QVERIFY2(all.contains(file->path()), qPrintable(all));
-    }
-
-    void linesOutsideThePairsAreNamedByNumber()
-    {
-        const QByteArray table = "\"a\" = \"1\";\n"
-                                 "/* \"old\" = \"gone\"; */\n"
-                                 "/* Class = \"NSButton\"; title = \"OK\"; ObjectID = \"7\"; */\n"
-                                 "\"7.title\" = \"OK\";\n"
-                                 "\"b\" = \"x\\\";y\";\n";
-        const LocFilePtr file = read(table);
-        QCOMPARE(file->allEntries().size(), 5);
-        QCOMPARE(file->warnings().size(), 2);
-        QVERIFY2(file->warnings().at(0).endsWith(S("differs from the file's own (an escaped quote before a semicolon, "
-                                                   "or an equals sign beside a quote): \"b\".")),
-                 qPrintable(file->warnings().at(0)));
-        QVERIFY2(file->warnings().at(1).endsWith(S("2 lines were outside the file's pairs (commented out, or not well "
-                                                   "formed) taken as entries: lines 2, 3.")),
-                 qPrintable(file->warnings().at(1)));
+        QVERIFY(file->allEntries().isEmpty());
+        QCOMPARE(file->warnings().size(), 1);
+        QVERIFY2(file->warnings().first().contains(S("breaks the string-table syntax ") + where), qPrintable(file->warnings().first()));
+        const QString folder = exportFolder();
+        QVERIFY(file->makeLocalizedFileAt(folder).isEmpty());
+        QVERIFY(!QFileInfo::exists(folder + S("/Localizable.strings")));
     }
 
     void whichSourceWins()
@@ -173,12 +167,12 @@ private slots:
 
     void escapedKeysAndValuesInLookups()
     {
-        // The previous version is looked up with the key unescaped; the dictionary with the base
-        // word as it stands, escapes and all, so an escaped quote never matches its unescaped key.
-        const QByteArray base = "\"say \\\"hi\\\"\" = \"x\";\n\"k\" = \"say \\\"hi\\\"\";\n\"m\" = \"a\\\\b\";\n";
-        const LocFilePtr file = read(base, B("\"say \\\"hi\\\"\" = \"found\";"),
-                                     B("\"say \\\"hi\\\"\" = \"never\";\n\"a\\\\\\\\b\" = \"literal\";"));
-        QCOMPARE(words(file), S("found+|say \\\"hi\\\"-|literal+"));
+        // The previous version by the key as the grammar reads it; the dictionary by the base word
+        // as it stands first, then as the grammar reads it (dictionaries hold plain words).
+        const QByteArray base = "\"say \\\"hi\\\"\" = \"x\";\n\"k\" = \"say \\\"hi\\\"\";\n\"m\" = \"a\\\\b\";\n\"t\\tab\" = \"y\";\n";
+        const LocFilePtr file = read(base, B("\"say \\\"hi\\\"\" = \"found\";\n\"t\\tab\" = \"tab\";"),
+                                     B("\"say \\\"hi\\\"\" = \"plain\";\n\"a\\\\b\" = \"literal\";"));
+        QCOMPARE(words(file), S("found+|plain+|literal+|tab+"));
     }
 
     void emptyKeysAndValues()
@@ -208,21 +202,59 @@ private slots:
                  B("\"a\" = \"\";\n\"\" = \"leer\";\n\"\" = \"leer\";\n"));
     }
 
-    void exportWritesPairLinesAndReturnsTheirMap()
+    // Export is the base table with the changed values replaced: comments, blank lines, order,
+    // spacing and untranslated values keep their bytes.
+    void exportKeepsTheBaseLayout()
     {
-        const QByteArray base = "/* c */\n\"OpenKey\" = \"Open\";\n\n\"Quote\" = \"a \\\"b\\\"\";\n\"Keep\" = \"Keep\";\n";
+        const QByteArray base = "/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Open\";\n\n\"Quote\" = \"a \\\"b\\\"\";\n"
+                                "\"Lines\" = \"one\ntwo\";\n\"Short\";\nunquoted = word; // trailing\n";
         const LocFilePtr file = read(base);
+        QCOMPARE(file->allEntries().size(), 5);
+        const QString untouched = exportFolder();
+        file->makeLocalizedFileAt(untouched);
+        QCOMPARE(TestSupport::readFile(untouched + S("/Localizable.strings")), base);
+
         file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
         file->allEntries().at(1)->setLocalizedWord(S("ein \"b\""));
+        file->allEntries().at(3)->setLocalizedWord(S("Abbrechen"));
+        file->allEntries().at(4)->setLocalizedWord(S("Wort"));
         const QString folder = exportFolder();
-        const StringMap pairs = file->makeLocalizedFileAt(folder);
-        const QByteArray written = TestSupport::readFile(folder + S("/Localizable.strings"));
-        QCOMPARE(written, S("\"OpenKey\" = \"Öffnen\";\n\"Quote\" = \"ein \\\"b\\\"\";\n\"Keep\" = \"Keep\";\n").toUtf8());
+        file->makeLocalizedFileAt(folder);
+        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
+                 S("/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Öffnen\";\n\n\"Quote\" = \"ein \\\"b\\\"\";\n"
+                   "\"Lines\" = \"one\ntwo\";\n\"Short\" = \"Abbrechen\";\nunquoted = \"Wort\"; // trailing\n").toUtf8());
+    }
+
+    // The dictionary learns base word to localized word, and only the translator's work: a word
+    // changed, or one confirmed by a check mark; never an empty word, never an untouched one.
+    void exportReturnsOnlyTranslatorPairs()
+    {
+        const QByteArray base = "\"button.open\" = \"Open\";\n\"button.ok\" = \"OK\";\n\"button.cancel\" = \"Cancel\";\n"
+                                "\"quote\" = \"a \\\"b\\\"\";\n\"emptied\" = \"Gone\";\n";
+        const LocFilePtr file = read(base);
+        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
+        file->allEntries().at(1)->setCheck(true);
+        file->allEntries().at(3)->setLocalizedWord(S("ein \"b\""));
+        file->allEntries().at(4)->setLocalizedWord(QString());
         StringMap expected;
-        expected.insert(S("OpenKey"), S("Öffnen"));
-        expected.insert(S("Quote"), S("ein \"b\""));
-        expected.insert(S("Keep"), S("Keep"));
-        QCOMPARE(pairs, expected);
+        expected.insert(S("Open"), S("Öffnen"));
+        expected.insert(S("OK"), S("OK"));
+        expected.insert(S("a \"b\""), S("ein \"b\""));
+        QCOMPARE(file->makeLocalizedFileAt(exportFolder()), expected);
+    }
+
+    void entriesFollowTheBaseTableByKey()
+    {
+        // The base table changed after it was added: words go to their keys, not their places.
+        const LocFilePtr file = read(B("\"a\" = \"A\";\n\"b\" = \"B\";\n\"gone\" = \"G\";\n"));
+        file->allEntries().at(0)->setLocalizedWord(S("1"));
+        file->allEntries().at(1)->setLocalizedWord(S("2"));
+        file->allEntries().at(2)->setLocalizedWord(S("3"));
+        TestSupport::writeFile(file->path(), B("\"new\" = \"N\";\n\"b\" = \"B\";\n\"a\" = \"A\";\n"));
+        const QString folder = exportFolder();
+        file->makeLocalizedFileAt(folder);
+        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")), B("\"new\" = \"N\";\n\"b\" = \"2\";\n\"a\" = \"1\";\n"));
+        QVERIFY2(file->warnings().join(u'\n').contains(S("1 entry is")), qPrintable(file->warnings().join(u'\n')));
     }
 
     void infoPlistTableReturnsNoPairs()
@@ -231,7 +263,7 @@ private slots:
         file->allEntries().first()->setLocalizedWord(S("Wien"));
         const QString folder = exportFolder();
         QVERIFY(file->makeLocalizedFileAt(folder).isEmpty());
-        QCOMPARE(TestSupport::readFile(folder + S("/InfoPlist.strings")), B("\"CFBundleName\" = \"Wien\";\n"));
+        QCOMPARE(TestSupport::readFile(folder + S("/InfoPlist.strings")), B("CFBundleName = \"Wien\";\n"));
     }
 
     void failedWriteIsReported()
