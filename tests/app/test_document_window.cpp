@@ -55,6 +55,7 @@ private slots:
     void exportTakesSelectionAndPendingEdit();
     void spellingStateIsSavedWithDocument();
     void grabShowsWindow();
+    void tableProblemsAndNotesAreShown();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -537,3 +538,25 @@ void TestDocumentWindow::exportTakesSelectionAndPendingEdit()
 
 QTEST_MAIN(TestDocumentWindow)
 #include "test_document_window.moc"
+
+// What the command line prints about a file, the window shows: a table that breaks the grammar
+// is named in a sheet; the developer's comment of a pair is shown beside its base word.
+void TestDocumentWindow::tableProblemsAndNotesAreShown()
+{
+    const QString broken = TestSupport::writeFile(m_dir->filePath(QStringLiteral("a/Broken.strings")), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
+    const QString good = TestSupport::writeFile(m_dir->filePath(QStringLiteral("b/Good.strings")),
+                                                "/* Preferences -> Transfers -> Magnet tooltip */\n\"magnet\" = \"Open magnets\";\n");
+    m_dialogs.queuePanelAnswer(broken);
+    m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+    QVERIFY(!m_dialogs.alerts().isEmpty());
+    QVERIFY2(m_dialogs.alerts().last().message.contains(QStringLiteral("breaks the string-table syntax at line 2")),
+             qPrintable(m_dialogs.alerts().last().message));
+
+    const qsizetype alertsBefore = m_dialogs.alerts().size();
+    m_dialogs.queuePanelAnswer(good);
+    m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+    QCOMPARE(m_dialogs.alerts().size(), alertsBefore);  // nothing to tell about a sound table
+    m_window->selectFileRows({fileRow(QStringLiteral("Good.strings"))});
+    m_window->selectEntryRow(0);
+    QCOMPARE(m_window->entryEditor()->commentLabel()->text(), QStringLiteral("Preferences -> Transfers -> Magnet tooltip"));
+}
