@@ -40,7 +40,9 @@ int runEntries(const QStringList &args, QTextStream &out, QTextStream &err)
     for (const LocEntryPtr &e : file->allEntries()) {
         out << "{\"key\":" << jsonWord(e->keyWord()) << ",\"baseWord\":" << jsonWord(e->baseWord())
             << ",\"localizedWord\":" << jsonWord(e->localizedWord()) << ",\"check\":"
-            << (e->isChecked() ? "true" : "false") << ",\"entry\":" << jsonString(e->entry()) << "}\n";
+            << (e->isChecked() ? "true" : "false") << ",\"entry\":" << jsonString(e->entry());
+        if (!e->developerComment().isEmpty()) out << ",\"comment\":" << jsonString(e->developerComment());
+        out << "}\n";
     }
     out << "{\"status\":" << jsonString(file->status()) << ",\"warnings\":[";
     for (qsizetype i = 0; i < file->warnings().size(); ++i) out << (i ? "," : "") << jsonString(file->warnings().at(i));
@@ -54,7 +56,8 @@ int runEntries(const QStringList &args, QTextStream &out, QTextStream &err)
 CommandRegistration reg({QStringLiteral("entries"), QStringLiteral("entries FILE [--dictionary D] [--previous P]"),
                          QStringLiteral("Read FILE (a .strings, .plist, .nib or .xib) as a document adds it, with the\n"
                                         "dictionary D and the previous localized version P, and print one JSON line\n"
-                                        "per entry (key, baseWord, localizedWord, check, entry: absent words are null),\n"
+                                        "per entry (key, baseWord, localizedWord, check, entry: absent words are null;\n"
+                                        "comment: the developer's comment above the pair, when there is one),\n"
                                         "then one line with its status and the warnings about what reading could not\n"
                                         "take. The warnings are also written to standard error."),
                          runEntries});

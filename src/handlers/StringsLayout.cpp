@@ -78,7 +78,17 @@ private:
         return std::nullopt;
     }
 
-    qsizetype lineAt(qsizetype at) const { return 1 + t.left(at).count(u'\n'); }
+    // Counts on from the last place asked for: pairs are met in order, so the whole table is
+    // scanned once for line numbers, not once per pair.
+    qsizetype lineAt(qsizetype at)
+    {
+        if (at < m_linePos) m_linePos = 0, m_line = 1;
+        m_line += t.mid(m_linePos, at - m_linePos).count(u'\n');
+        m_linePos = at;
+        return m_line;
+    }
+    qsizetype m_linePos = 0;
+    qsizetype m_line = 1;
 
     // Skips white space and comments, remembering the last comment unless a blank line follows
     // it: a header comment separated from the first pair describes the file, not the pair.
