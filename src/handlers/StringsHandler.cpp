@@ -99,6 +99,22 @@ QString entryWord(const QString &plain)
     return replaceStringFrom(plain, QStringLiteral("\n"), QStringLiteral("\\n"));
 }
 
+// The localized word of an entry made here. The pair line is "base" = "localized"; and its base
+// word is known, so the value is what stands between them and the closing quote: cutting at the
+// first quote-semicolon instead would stop inside a word holding an escaped quote before a
+// semicolon (x\";y).
+QString pairLineValue(const LocEntry &entry, const QString &baseWord)
+{
+    const QString &text = entry.entry();
+    const qsizetype lineStart = text.indexOf(u'\n') + 1;
+    const QString prefix = u'"' + baseWord + QLatin1String("\" = \"");
+    if (lineStart > 0 && QStringView(text).mid(lineStart).startsWith(prefix) && text.endsWith(QLatin1String("\";"))) {
+        const qsizetype from = lineStart + prefix.size();
+        if (from <= text.size() - 2) return text.mid(from, text.size() - 2 - from);
+    }
+    return wordOrEmpty(entry.localizedWord());
+}
+
 const QString *findPrevious(const StringMap &previous, const QString &key)
 {
     if (const OptString plain = unescapedTableWord(key))
@@ -214,11 +230,16 @@ StringMap makeLocalizedStringsFileAt(LocFile &file, const QString &folder)
     QList<OptString> values(layout->pairs.size());
     StringMap pairs;
     for (qsizetype i = 0; i < layout->pairs.size(); ++i) {
-        QList<const LocEntry *> &queue = byKey[StringsLayout::escapedWord(text, layout->pairs[i].key)];
+        const StringsLayout::Pair &pair = layout->pairs[i];
+        const QString key = StringsLayout::escapedWord(text, pair.key);
+        QList<const LocEntry *> &queue = byKey[key];
         if (queue.isEmpty()) continue;
         const LocEntry *entry = queue.takeFirst();
-        const QString baseWord = wordOrEmpty(entry->baseWord());
-        const QString localized = wordOrEmpty(entry->localizedWord());
+        // The base word as the table writes it now; the entry's own cut of it only when the
+        // table's value changed since the entry was made.
+        QString baseWord = pair.shortForm ? key : StringsLayout::escapedWord(text, pair.value);
+        if (!entry->entry().contains(u'"' + baseWord + QLatin1String("\" = \""))) baseWord = wordOrEmpty(entry->baseWord());
+        const QString localized = pairLineValue(*entry, baseWord);
         if (localized != baseWord) values[i] = localized;
         const OptString plainBase = unescapedTableWord(baseWord);
         const OptString plainLocalized = unescapedTableWord(localized);
