@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs every Debian package Vocabrix needs to build, test, fuzz and run.
+# Installs every Debian package Vocabrix needs to build, test, fuzz, package and run.
 # Idempotent: packages already present are left alone. Works as root, or with sudo.
 set -euo pipefail
 
@@ -12,6 +12,7 @@ PACKAGES=(
   clang libclang-rt-14-dev
   libbenchmark-dev
   xvfb xauth imagemagick
+  file desktop-file-utils appstream
 )
 
 SUDO=""

@@ -10,6 +10,7 @@
 
 #include "IbtoolTable.h"
 #include "InterfaceFile.h"
+#include "VocabrixVersion.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -32,6 +33,7 @@ const char kUsage[] =
     "                                 (also --generate-stringsfile, --export-strings-file)\n"
     "  --strings-file PATH            a translated string table to merge into FILE\n"
     "  --write PATH                   where the localized copy of FILE is written\n"
+    "  --help, --version              print this help or the version and stop\n"
     "\n"
     "FILE is a xib, a storyboard, a legacy xib archive or a nib folder with designable.nib.\n";
 
@@ -121,6 +123,10 @@ int main(int argc, char *argv[])
     args.removeFirst();
     if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
         out << kUsage;
+        return 0;
+    }
+    if (args.contains(QLatin1String("--version"))) {
+        out << "vocabrix-ibtool " << VOCABRIX_VERSION << "\n";
         return 0;
     }
     Options o;

@@ -12,6 +12,7 @@
 #include "IbtoolTable.h"
 #include "InterfaceFile.h"
 #include "nibtool/NibtoolListing.h"
+#include "VocabrixVersion.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -38,6 +39,7 @@ const char kUsage[] =
     "  -I, --incremental PATH      a previous localized version of FILE: values come from it\n"
     "  -d, --dictionary PATH       a string table: base text = translation\n"
     "  -w, --write PATH            write a copy of FILE translated with the table of -d\n"
+    "  --help, --version           print this help or the version and stop\n"
     "\n"
     "FILE is a xib, a storyboard, a legacy xib archive, a nib folder or a compiled nib.\n";
 
@@ -128,9 +130,18 @@ int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     QTextStream err(stderr);
+    const QStringList args = app.arguments().mid(1);
+    if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
+        QTextStream(stdout) << kUsage;
+        return 0;
+    }
+    if (args.contains(QLatin1String("--version"))) {
+        QTextStream(stdout) << "vocabrix-nibtool " << VOCABRIX_VERSION << '\n';
+        return 0;
+    }
     Options o;
     QString why;
-    if (!parseArguments(app.arguments().mid(1), &o, &why)) {
+    if (!parseArguments(args, &o, &why)) {
         err << "vocabrix-nibtool: " << why << "\n\n" << kUsage;
         return 2;
     }

@@ -1,6 +1,10 @@
 // Vocabrix: translating the interface resources of Mac applications.
 //
-//   vocabrix [DOCUMENT...]
+//   vocabrix [DOCUMENT | RESOURCE...]
+//
+// Documents open in their own windows. Resource files and bundles (what the desktop hands over
+// when the user opens a .strings, .plist, .xib, .nib or .app with Vocabrix) are added to one new
+// document, as if dropped on its file table.
 //
 // Hidden options for demonstrations and screenshots:
 //   --add PATH          add a file or bundle to the first window's document (repeatable)
@@ -14,9 +18,13 @@
 #include "Handlers.h"
 #include "MyDocument.h"
 #include "VXController.h"
+#include "VXControllerModel.h"
+#include "VocabrixVersion.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
+#include <QIcon>
 #include <QTimer>
 
 namespace {
@@ -38,6 +46,11 @@ void addPaths(DocumentWindow *window, const QStringList &paths, const QStringLis
     window->document()->addFiles(list);
 }
 
+bool isResourcePath(const QString &path)
+{
+    return acceptableFileTypes().contains(QFileInfo(path).suffix());
+}
+
 }  // namespace
 
 int main(int argc, char *argv[])
@@ -45,14 +58,19 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Vocabrix"));
     QApplication::setApplicationName(QStringLiteral("Vocabrix"));
-    QApplication::setApplicationVersion(QStringLiteral("0.1"));
+    QApplication::setApplicationVersion(QStringLiteral(VOCABRIX_VERSION));
+    // Ties the windows to the installed desktop entry and its icon (task bars, Wayland).
+    QApplication::setDesktopFileName(QStringLiteral("org.vocabrix.Vocabrix"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.vocabrix.Vocabrix")));
     registerResourceHandlers();
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Translates the interface resources of Mac applications."));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("document"), QStringLiteral("Vocabrix documents to open."), QStringLiteral("[document...]"));
+    parser.addPositionalArgument(QStringLiteral("paths"),
+                                 QStringLiteral("Vocabrix documents to open, or resource files and bundles to add to a new document."),
+                                 QStringLiteral("[document | resource...]"));
     const QCommandLineOption add = hidden(QStringLiteral("add"), QStringLiteral("Add a file or bundle."), QStringLiteral("path"));
     const QCommandLineOption previous = hidden(QStringLiteral("previous"), QStringLiteral("Previous release."), QStringLiteral("path"));
     const QCommandLineOption title = hidden(QStringLiteral("document-title"), QStringLiteral("Document title."), QStringLiteral("text"));
@@ -68,8 +86,17 @@ int main(int argc, char *argv[])
     });
 
     DocumentWindow *first = nullptr;
-    for (const QString &path : parser.positionalArguments())
-        if (DocumentWindow *w = controller.openDocument(path); w && !first) first = w;
+    QStringList resources;
+    for (const QString &path : parser.positionalArguments()) {
+        if (isResourcePath(path)) resources.append(path);
+        else if (DocumentWindow *w = controller.openDocument(path); w && !first) first = w;
+    }
+    if (!resources.isEmpty()) {
+        DocumentWindow *window = controller.newDocument();
+        if (!first) first = window;
+        // Once the window is up, so the question about previous versions has a parent.
+        QTimer::singleShot(0, window, [window, resources] { window->document()->addFiles(resources); });
+    }
     if (!first && VXController::applicationShouldOpenUntitledFile()) first = controller.newDocument();
     if (!first) return 1;
 

@@ -2,6 +2,7 @@
 #include "Command.h"
 #include "Handlers.h"
 #include "Settings.h"
+#include "VocabrixVersion.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
@@ -27,7 +28,8 @@ static void printHelp(QTextStream &out)
     out << "Usage: vocabrix-cli COMMAND [ARGUMENTS]\n\n"
            "Vocabrix's model on the command line: read resource files, list their entries, export\n"
            "localized files. Options common to all commands:\n"
-           "  --settings FILE   use this INI file as the settings store instead of the user's own\n\n"
+           "  --settings FILE   use this INI file as the settings store instead of the user's own\n"
+           "  --version         print the version and stop\n\n"
            "Commands:\n";
     QList<Command> sorted = commands();
     std::sort(sorted.begin(), sorted.end(), [](const Command &a, const Command &b) { return a.name < b.name; });
@@ -64,6 +66,10 @@ int main(int argc, char **argv)
         || args.first() == QLatin1String("help")) {
         printHelp(out);
         return args.isEmpty() ? 2 : 0;
+    }
+    if (args.first() == QLatin1String("--version")) {
+        out << "vocabrix-cli " << VOCABRIX_VERSION << "\n";
+        return 0;
     }
     const QString name = args.takeFirst();
     for (const Command &c : commands()) {
