@@ -1,0 +1,27 @@
+#pragma once
+// Where each key of a string table stands: its line, for messages an editor can jump to, and the
+// comment just before it, which in an interface tool's table holds the base text
+// (/* Class = "NSButton"; title = "Cancel"; ObjectID = "12"; */). The string-table reader gives
+// the words; this only finds places, so it reads as far as it can and stops at a syntax error.
+
+#include <QHash>
+#include <QString>
+#include <QStringView>
+#include <optional>
+
+namespace Qa {
+
+struct TablePlace {
+    int line = 0;     // 1-based line of the key
+    QString comment;  // the block comment right before the pair, without its /* */; empty if none
+};
+
+// By key, unescaped as the reader unescapes it; a repeated key has the place of its last pair,
+// whose value the reader keeps.
+QHash<QString, TablePlace> tablePlaces(QStringView text);
+
+// The base text an interface tool's comment gives for its pair, unescaped; none when the
+// comment is not of that form.
+std::optional<QString> interfaceCommentBase(const QString &comment);
+
+}  // namespace Qa
