@@ -1,0 +1,246 @@
+// The quality checks on tables of cases (tests/qa/data/cases.tsv: base, translation, the checks
+// expected), the placeholder grammar, unescaping, the places of keys in a table, the cache the
+// window uses, and faults planted in copies of real tables of the corpus.
+#include "FormatSpecifiers.h"
+#include "QualityCache.h"
+#include "QualityChecks.h"
+#include "StringsTable.h"
+#include "TablePlaces.h"
+#include "TestSupport.h"
+#include "TextFile.h"
+
+#include <QDirIterator>
+
+using namespace Qa;
+
+namespace {
+
+QString decoded(QString field)
+{
+    field.replace(QLatin1String("<nbsp>"), QString(QChar(0x00A0)));
+    field.replace(QLatin1String("<nnbsp>"), QString(QChar(0x202F)));
+    QString out;
+    for (qsizetype i = 0; i < field.size(); ++i) {
+        if (field[i] == u'\\' && i + 1 < field.size()) {
+            const QChar e = field[++i];
+            out.append(e == u'n' ? QChar(u'\n') : e == u't' ? QChar(u'\t') : e);
+        } else {
+            out.append(field[i]);
+        }
+    }
+    return out;
+}
+
+QStringList firedChecks(const QList<Problem> &problems)
+{
+    QStringList ids;
+    for (const Problem &p : problems) ids.append(p.check);
+    return ids;
+}
+
+}  // namespace
+
+class TestQualityChecks : public QObject {
+    Q_OBJECT
+
+private slots:
+    void cases_data();
+    void cases();
+    void specifiers_data();
+    void specifiers();
+    void unescaping_data();
+    void unescaping();
+    void tablePlaces();
+    void entriesAndCache();
+    void plantedFaultsInCorpusTables();
+};
+
+void TestQualityChecks::cases_data()
+{
+    QTest::addColumn<bool>("checked");
+    QTest::addColumn<QString>("base");
+    QTest::addColumn<QString>("translation");
+    QTest::addColumn<QStringList>("expected");
+    QFile file(QStringLiteral(VOCABRIX_SOURCE_DIR "/tests/qa/data/cases.tsv"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    int number = 0;
+    for (const QByteArray &raw : file.readAll().split('\n')) {
+        ++number;
+        const QString line = QString::fromUtf8(raw);
+        if (line.isEmpty() || line.startsWith(u'#')) continue;
+        const QStringList f = line.split(u'\t');
+        QVERIFY2(f.size() == 4, qPrintable(QStringLiteral("cases.tsv line %1: four fields").arg(number)));
+        const QStringList expected = f[3] == QLatin1String("-") ? QStringList() : f[3].split(u',');
+        QTest::addRow("line %d: %s", number, qPrintable(f[1].left(30))) << (f[0] == QLatin1String("c")) << decoded(f[1])
+                                                                           << decoded(f[2]) << expected;
+    }
+}
+
+void TestQualityChecks::cases()
+{
+    QFETCH(bool, checked);
+    QFETCH(QString, base);
+    QFETCH(QString, translation);
+    QFETCH(QStringList, expected);
+    const QList<Problem> problems = checkTranslation(base, translation, checked);
+    QCOMPARE(firedChecks(problems), expected);
+    for (const Problem &p : problems) {
+        QVERIFY(!p.message.isEmpty());
+        QCOMPARE(p.severity, p.check == QLatin1String("format-specifiers") ? Severity::Error : Severity::Warning);
+        QVERIFY2(checkIdentifiers().contains(p.check), qPrintable(p.check));
+    }
+}
+
+void TestQualityChecks::specifiers_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("format");
+    QTest::addColumn<QStringList>("found");  // "text=type"
+    QTest::addRow("every length and conversion") << QStringLiteral("%@ %hhd %hu %ld %lld %qu %zd %jd %Lf %lf %c %C %s %S %p %X")
+                                                << true
+                                                << QStringList{"%@=object", "%hhd=integer", "%hu=integer", "%ld=long integer",
+                                                               "%lld=long integer", "%qu=long integer", "%zd=long integer",
+                                                               "%jd=long integer", "%Lf=long double", "%lf=double", "%c=char",
+                                                               "%C=unichar", "%s=C string", "%S=unichar string", "%p=pointer",
+                                                               "%X=integer"};
+    QTest::addRow("flags, width, precision, positions") << QStringLiteral("%1$-5.2f %2$+d %#x %05ld %'d %*.*f") << true
+                                                        << QStringList{"%1$-5.2f=double", "%2$+d=integer", "%#x=integer",
+                                                                       "%05ld=long integer", "%'d=integer", "*=integer",
+                                                                       "*=integer", "%*.*f=double"};
+    QTest::addRow("named forms") << QStringLiteral("%#@files@ in %{value1}@") << false
+                                 << QStringList{"%#@files@=object", "%{value1}@=object"};
+    QTest::addRow("percent signs") << QStringLiteral("%% 100% %0 %$ %1$ %{} %#@@ %{x}") << true << QStringList();
+    QTest::addRow("space flag only in a format") << QStringLiteral("50% sure") << true << QStringList{"% s=C string"};
+    QTest::addRow("no space flag in text") << QStringLiteral("50% sure") << false << QStringList();
+}
+
+void TestQualityChecks::specifiers()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, format);
+    QFETCH(QStringList, found);
+    QStringList got;
+    for (const Specifier &s : formatSpecifiers(text, format ? FormatMode::Format : FormatMode::Text))
+        got.append(s.text + u'=' + s.type);
+    QCOMPARE(got, found);
+}
+
+void TestQualityChecks::unescaping_data()
+{
+    QTest::addColumn<QString>("escaped");
+    QTest::addColumn<QString>("plain");
+    QTest::addRow("none") << QStringLiteral("Open %@") << QStringLiteral("Open %@");
+    QTest::addRow("line break and tab") << QStringLiteral("a\\nb\\tc") << QStringLiteral("a\nb\tc");
+    QTest::addRow("quote and backslash") << QStringLiteral("\\\"x\\\" \\\\") << QStringLiteral("\"x\" \\");
+    QTest::addRow("unicode") << QStringLiteral("caf\\U00e9\\u00E9") << QStringLiteral("café\u00e9");
+    QTest::addRow("unicode without digits") << QStringLiteral("\\Uzz") << QStringLiteral("Uzz");
+    QTest::addRow("trailing backslash") << QStringLiteral("end\\") << QStringLiteral("end\\");
+}
+
+void TestQualityChecks::unescaping()
+{
+    QFETCH(QString, escaped);
+    QFETCH(QString, plain);
+    QCOMPARE(unescapedWord(escaped), plain);
+}
+
+void TestQualityChecks::tablePlaces()
+{
+    const QString text = QStringLiteral(
+        "/* Class = \"NSButton\"; title = \"Say \\\"Hi\\\"\\n\"; ObjectID = \"12\"; */\n"
+        "\"12.title\" = \"Dis \\\"Salut\\\"\\n\";\n"
+        "// a line comment\n"
+        "Unquoted = \"x\";\n"
+        "\n"
+        "/* first */ \"dup\" = \"1\";\n"
+        "\"multi\n"
+        "line\" = \"y\";\n"
+        "\"dup\" = \"2\";\n"
+        "\"short\";\n"
+        "\"broken\" = ;\n"
+        "\"after\" = \"never read\";\n");
+    const auto places = Qa::tablePlaces(text);
+    QCOMPARE(places.value(QStringLiteral("12.title")).line, 2);
+    QCOMPARE(interfaceCommentBase(places.value(QStringLiteral("12.title")).comment), QStringLiteral("Say \"Hi\"\n"));
+    QCOMPARE(places.value(QStringLiteral("Unquoted")).line, 4);
+    QCOMPARE(places.value(QStringLiteral("Unquoted")).comment, QString());
+    QCOMPARE(places.value(QStringLiteral("multi\nline")).line, 7);
+    QCOMPARE(places.value(QStringLiteral("dup")).line, 9);  // the pair whose value is kept
+    QCOMPARE(places.value(QStringLiteral("short")).line, 10);
+    QVERIFY(!places.contains(QStringLiteral("broken")) && !places.contains(QStringLiteral("after")));
+    QVERIFY(!interfaceCommentBase(QStringLiteral("first")));
+    QVERIFY(Qa::tablePlaces(QStringLiteral("/* open")).isEmpty());
+    QVERIFY(Qa::tablePlaces(QStringLiteral("\"open")).isEmpty());
+}
+
+void TestQualityChecks::entriesAndCache()
+{
+    QTemporaryDir dir;
+    TestSupport::isolate(dir);
+    // Entries hold their words escaped; the checks see them as the user does.
+    const auto entry = LocEntry::initWithEntry(
+        QStringLiteral("/* Class = \"NSTextFieldCell\"; title = \"%d files\\n\"; ObjectID = \"7\"; */\n\"7.title\" = \"%d files\\n\";"));
+    const auto plain = LocEntry::initWithEntry(QStringLiteral("/* \"k\"=\"Name:\" */\n\"Name:\" = \"Name:\";"));
+    QualityCache cache;
+    QVERIFY(cache.problems(*entry).isEmpty());
+    entry->setLocalizedWord(QStringLiteral("%@ fichiers"));  // checks the entry too
+    QCOMPARE(firedChecks(cache.problems(*entry)), (QStringList{"format-specifiers", "line-breaks", "whitespace"}));
+    QCOMPARE(cache.severity(*entry), Severity::Error);
+    QCOMPARE(firedChecks(checkTypedWord(*entry, QStringLiteral("%d fichiers\\n"), true)), QStringList());
+    QVERIFY(cache.problems(*plain).isEmpty());
+    plain->setCheck(true);  // the same text, now checked: the same as its base
+    QCOMPARE(firedChecks(cache.problems(*plain)), QStringList{"same-as-base"});
+
+    auto file = LocFile::initWithPath(dir.filePath(QStringLiteral("x.strings")), std::nullopt, std::nullopt);
+    QVERIFY(file);
+    file->setAllEntries({entry, plain, LocEntry::initWithBaseWord(QStringLiteral("Open"), QStringLiteral("Ouvrir"))});
+    const FileSummary summary = cache.summary(*file);
+    QCOMPARE(summary.errors, 1);
+    QCOMPARE(summary.warnings, 1);
+    QCOMPARE(summary.worst(), Severity::Error);
+    QVERIFY(problemsText(cache.problems(*entry)).startsWith(QLatin1String("error: ")));
+}
+
+// Copies of real translated tables with one fault planted per pair: each planted fault is found,
+// and a pair found clean before stays clean under a change that keeps it right.
+void TestQualityChecks::plantedFaultsInCorpusTables()
+{
+    SKIP_WITHOUT_CORPUS();
+    int planted = 0;
+    QDirIterator it(TestSupport::corpusDir() + QStringLiteral("/xib-pairs"), {QStringLiteral("*.strings")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QByteArray bytes = TestSupport::readFile(it.next());
+        const auto map = StringsTable::parseData(bytes);
+        if (!map) continue;
+        const auto places = Qa::tablePlaces(StringUtility::wordOrEmpty(decodeTextFileData(bytes)));
+        for (const auto &[key, value] : *map) {
+            const auto base = interfaceCommentBase(places.value(key).comment);
+            if (!base || base->isEmpty() || value.isEmpty() || !checkTranslation(*base, value, false).isEmpty()) continue;
+            const QString where = it.filePath() + u' ' + key;
+            const QList<Specifier> specs = formatSpecifiers(value, FormatMode::Format);
+            if (!specs.isEmpty() && specs.first().name.isEmpty()) {
+                QString dropped = value;
+                dropped.remove(value.indexOf(specs.first().text), specs.first().text.size());
+                QVERIFY2(firedChecks(checkTranslation(*base, dropped, false)).contains(QLatin1String("format-specifiers")),
+                         qPrintable(where));
+                QString wrongKind = value;
+                wrongKind.replace(value.indexOf(specs.first().text), specs.first().text.size(),
+                                  specs.first().type == QLatin1String("object") ? QStringLiteral("%d") : QStringLiteral("%@"));
+                QVERIFY2(firedChecks(checkTranslation(*base, wrongKind, false)).contains(QLatin1String("format-specifiers")),
+                         qPrintable(where));
+                ++planted;
+            }
+            const QList<Problem> extra = checkTranslation(*base, value + QStringLiteral(" %@"), false);
+            QVERIFY2(firedChecks(extra).contains(QLatin1String("format-specifiers")), qPrintable(where));
+            QVERIFY2(firedChecks(checkTranslation(*base, value + u'\n', false)).contains(QLatin1String("line-breaks")),
+                     qPrintable(where));
+            QVERIFY2(checkTranslation(*base, value, true).size() <= 1, qPrintable(where));  // at most same-as-base
+            ++planted;
+        }
+    }
+    QVERIFY2(planted > 1000, qPrintable(QString::number(planted)));
+}
+
+QTEST_GUILESS_MAIN(TestQualityChecks)
+#include "test_quality_checks.moc"
