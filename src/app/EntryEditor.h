@@ -15,6 +15,7 @@ class QAction;
 class QCheckBox;
 class QLineEdit;
 class QPlainTextEdit;
+class ProblemList;
 class QPushButton;
 class SpellHighlighter;
 
@@ -45,6 +46,7 @@ public:
     QPlainTextEdit *entryField() const { return m_entryField; }
     QCheckBox *checkBox() const { return m_checkBox; }
     QPushButton *finishButton() const { return m_finishButton; }
+    ProblemList *problemList() const { return m_problemList; }
 
 signals:
     void committed(const LocEntry *entry);
@@ -58,6 +60,7 @@ protected:
 private:
     void showContextMenu(const QPoint &pos);
     void announceSpelling();
+    void updateProblems();
     MyDocument *m_document;
     LocEntryPtr m_entry;
     bool m_dirty = false;
@@ -71,4 +74,5 @@ private:
     QPushButton *m_finishButton;
     QAction *m_spellingAction;
     SpellHighlighter *m_highlighter;
+    ProblemList *m_problemList;
 };
