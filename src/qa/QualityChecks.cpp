@@ -205,9 +205,13 @@ QString unescapedWord(const QString &escaped)
         }
         const QChar e = escaped[++i];
         switch (e.unicode()) {
+        case u'a': out.append(QChar(7)); break;
+        case u'b': out.append(QChar(8)); break;
+        case u'f': out.append(QChar(12)); break;
         case u'n': out.append(u'\n'); break;
-        case u't': out.append(u'\t'); break;
         case u'r': out.append(u'\r'); break;
+        case u't': out.append(u'\t'); break;
+        case u'v': out.append(QChar(11)); break;
         case u'U': case u'u': {
             int code = 0, digits = 0;
             while (digits < 4 && i + 1 < n && hexValue(escaped[i + 1]) >= 0) {
@@ -217,7 +221,16 @@ QString unescapedWord(const QString &escaped)
             out.append(digits ? QChar(char16_t(code)) : e);
             break;
         }
-        default: out.append(e);  // \" \\ \' and anything else stand for themselves
+        default:
+            if (e >= u'0' && e <= u'7') {
+                // Up to three octal digits: one byte, read as Latin-1.
+                int code = e.unicode() - u'0', digits = 1;
+                while (digits < 3 && i + 1 < n && escaped[i + 1] >= u'0' && escaped[i + 1] <= u'7')
+                    code = code * 8 + (escaped[++i].unicode() - u'0'), ++digits;
+                out.append(QChar(char16_t(code & 0xFF)));
+            } else {
+                out.append(e);  // \" \\ \' and anything else stand for themselves
+            }
         }
     }
     return out;

@@ -43,8 +43,9 @@ Severity worstSeverity(const QList<Problem> &problems);
 // `checked`: the translator has passed the entry (every pair of a shipped table is).
 QList<Problem> checkTranslation(QStringView base, QStringView translation, bool checked);
 
-// A word as it stands in an entry or a string table ("\n", "\"", "\\", "\t", "\U00E9" escapes)
-// as the user sees it. Without a backslash the same text, not copied.
+// A word as it stands in an entry or a string table ("\n", "\"", "\\", "\t", "\U00E9", "\351"
+// escapes, read as the string-table reader reads them) as the user sees it. Without a backslash
+// the same text, not copied.
 QString unescapedWord(const QString &escaped);
 
 // An entry's localized word against its base word, both unescaped.

@@ -133,6 +133,7 @@ void TestQualityChecks::unescaping_data()
     QTest::addRow("line break and tab") << QStringLiteral("a\\nb\\tc") << QStringLiteral("a\nb\tc");
     QTest::addRow("quote and backslash") << QStringLiteral("\\\"x\\\" \\\\") << QStringLiteral("\"x\" \\");
     QTest::addRow("unicode") << QStringLiteral("caf\\U00e9\\u00E9") << QStringLiteral("café\u00e9");
+    QTest::addRow("octal and control") << QStringLiteral("\\351t\\a\\v") << QStringLiteral("ét\a\v");
     QTest::addRow("unicode without digits") << QStringLiteral("\\Uzz") << QStringLiteral("Uzz");
     QTest::addRow("trailing backslash") << QStringLiteral("end\\") << QStringLiteral("end\\");
 }
