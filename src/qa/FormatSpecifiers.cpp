@@ -214,8 +214,9 @@ QString compareArguments(const QList<Specifier> &base, const QList<Specifier> &t
         for (qsizetype i = 0; i < base.size(); ++i)
             if (base[i].type != translation[i].type)
                 return QStringLiteral("Placeholder %1 is %2 in the base but %3 in the translation: the kinds must agree, "
-                                      "in the same order (number them, as %4$@, to reorder).")
-                    .arg(i + 1).arg(described(base[i]), described(translation[i])).arg(i + 1);
+                                      "in the same order (to reorder, number them: %4).")
+                    .arg(QString::number(i + 1), described(base[i]), described(translation[i]),
+                         QStringLiteral("%1$@ %2$d"));
         return {};
     }
     QString conflict;
@@ -232,7 +233,7 @@ QString compareArguments(const QList<Specifier> &base, const QList<Specifier> &t
     }
     for (auto it = t.cbegin(); it != t.cend(); ++it)
         if (!b.contains(it.key()))
-            return QStringLiteral("The translation has %1, but the base has no argument %2.").arg(it->text).arg(it.key());
+            return QStringLiteral("The translation has %1, but the base has no argument %2.").arg(it->text, QString::number(it.key()));
     return {};
 }
 

@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QProcess>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Run {
@@ -65,25 +67,25 @@ void TestCheckCommand::tables_data()
     QTest::addColumn<QStringList>("found");  // "line key check severity" per JSON line
     QTest::addColumn<QString>("stderr");     // a piece of the error stream
     const QString base = fixture(QStringLiteral("base.strings"));
-    QTest::addRow("against a base table") << QStringList{"--base", base, fixture(QStringLiteral("fr.strings"))} << 1
-                                          << QStringList{"1 files format-specifiers error", "4 ok same-as-base warning"}
+    QTest::addRow("against a base table") << QStringList{u"--base"_s, base, fixture(QStringLiteral("fr.strings"))} << 1
+                                          << QStringList{u"1 files format-specifiers error"_s, u"4 ok same-as-base warning"_s}
                                           << QStringLiteral("1 error, 1 warning");
-    QTest::addRow("warnings alone pass") << QStringList{fixture(QStringLiteral("fr-warnings.strings")), "--base", base} << 0
-                                         << QStringList{"1 open ending-punctuation warning"} << QString();
+    QTest::addRow("warnings alone pass") << QStringList{fixture(QStringLiteral("fr-warnings.strings")), u"--base"_s, base} << 0
+                                         << QStringList{u"1 open ending-punctuation warning"_s} << QString();
     QTest::addRow("interface tool comments give the base")
         << QStringList{fixture(QStringLiteral("interface.strings"))} << 0
-        << QStringList{"2 12.title ending-punctuation warning"} << QStringLiteral("0 errors, 1 warning");
+        << QStringList{u"2 12.title ending-punctuation warning"_s} << QStringLiteral("0 errors, 1 warning");
     QTest::addRow("keyed by English text") << QStringList{fixture(QStringLiteral("english-keyed.strings"))} << 1
-                                           << QStringList{"2 Cancel same-as-base warning", "4 Delete %@? format-specifiers error"}
+                                           << QStringList{u"2 Cancel same-as-base warning"_s, u"4 Delete %@? format-specifiers error"_s}
                                            << QString();
     QTest::addRow("unreadable table") << QStringList{fixture(QStringLiteral("broken.strings"))} << 1 << QStringList()
                                       << QStringLiteral("not a readable string table (expected a value after \"=\", line 2)");
     QTest::addRow("no file") << QStringList() << 2 << QStringList() << QStringLiteral("Usage:");
-    QTest::addRow("unknown format") << QStringList{"--format", "xml", base} << 2 << QStringList() << QStringLiteral("json or gcc");
-    QTest::addRow("base with two tables") << QStringList{"--base", base, base, base} << 2 << QStringList() << QStringLiteral("Usage:");
+    QTest::addRow("unknown format") << QStringList{u"--format"_s, u"xml"_s, base} << 2 << QStringList() << QStringLiteral("json or gcc");
+    QTest::addRow("base with two tables") << QStringList{u"--base"_s, base, base, base} << 2 << QStringList() << QStringLiteral("Usage:");
     QTest::addRow("missing file") << QStringList{fixture(QStringLiteral("none.strings"))} << 2 << QStringList()
                                   << QStringLiteral("no such file");
-    QTest::addRow("unknown option") << QStringList{"--strict", base} << 2 << QStringList() << QStringLiteral("unknown option");
+    QTest::addRow("unknown option") << QStringList{u"--strict"_s, base} << 2 << QStringList() << QStringLiteral("unknown option");
 }
 
 void TestCheckCommand::tables()
@@ -114,7 +116,7 @@ void TestCheckCommand::compilerStyleLines()
                        fixture(QStringLiteral("base.strings")), table});
     QCOMPARE(r.status, 1);
     QCOMPARE(r.out.size(), 2);
-    QVERIFY2(r.out.at(0).startsWith(table + QLatin1String(":1: error: \"files\": The base has 1 placeholder (%d)")), qPrintable(r.out.at(0)));
+    QVERIFY2(r.out.at(0).startsWith(table + QLatin1String(":1: error: \"files\": Placeholder 1 is %d (integer) in the base but %@ (object)")), qPrintable(r.out.at(0)));
     QVERIFY2(r.out.at(0).endsWith(QLatin1String(" [format-specifiers]")), qPrintable(r.out.at(0)));
     QVERIFY2(r.out.at(1).startsWith(table + QLatin1String(":4: warning: \"ok\": ")), qPrintable(r.out.at(1)));
 }
@@ -124,8 +126,8 @@ void TestCheckCommand::compilerStyleLines()
 void TestCheckCommand::document()
 {
     const QString doc = m_dir->filePath(QStringLiteral("D.vocabrix"));
-    QCOMPARE(cli({"doc", "new", doc, "--from", "en", "--to", "fr"}).status, 0);
-    QCOMPARE(cli({"doc", "add", doc, fixture(QStringLiteral("base.strings")), "--previous", fixture(QStringLiteral("fr.strings"))}).status, 0);
+    QCOMPARE(cli({u"doc"_s, u"new"_s, doc, u"--from"_s, u"en"_s, u"--to"_s, u"fr"_s}).status, 0);
+    QCOMPARE(cli({u"doc"_s, u"add"_s, doc, fixture(QStringLiteral("base.strings")), u"--previous"_s, fixture(QStringLiteral("fr.strings"))}).status, 0);
     const Run r = cli({QStringLiteral("check"), doc});
     QCOMPARE(r.status, 1);
     QCOMPARE(r.out.size(), 2);
