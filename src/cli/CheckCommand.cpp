@@ -74,13 +74,16 @@ std::optional<Table> readTable(const QString &path, QTextStream &err)
     const QByteArray bytes = file.readAll();
     StringsTable::Error error;
     auto map = StringsTable::parseData(bytes, &error);
+    const QString text = StringUtility::wordOrEmpty(decodeTextFileData(bytes));
+    // Older tables: UTF-16 without a byte-order mark, Mac OS Roman.
+    if (!map && !text.isEmpty()) map = StringsTable::parse(text);
     if (!map) {
         err << "vocabrix-cli: " << path << ": not a readable string table";
         if (!error.message.isEmpty()) err << " (" << error.message << (error.line > 0 ? QStringLiteral(", line %1").arg(error.line) : QString()) << ")";
         err << "\n";
         return std::nullopt;
     }
-    return Table{std::move(*map), tablePlaces(StringUtility::wordOrEmpty(decodeTextFileData(bytes)))};
+    return Table{std::move(*map), tablePlaces(text)};
 }
 
 // Each pair of a translated table against its base: the base table's value for its key, else
@@ -91,6 +94,9 @@ bool checkTable(const QString &path, const OptString &basePath, Report &report, 
     if (!table) return false;
     std::optional<Table> base;
     if (basePath && !(base = readTable(*basePath, err))) return false;
+    bool interfaceTable = false;
+    for (const TablePlace &place : std::as_const(table->places)) interfaceTable |= bool(interfaceCommentBase(place.comment));
+    qsizetype unchecked = 0;
     for (const auto &[key, value] : table->map) {
         const TablePlace place = table->places.value(key);
         QString baseText = key;
@@ -100,10 +106,20 @@ bool checkTable(const QString &path, const OptString &basePath, Report &report, 
             baseText = *found;
         } else if (const auto fromComment = interfaceCommentBase(place.comment)) {
             baseText = *fromComment;
+        } else if (interfaceTable && isInterfaceKey(key)) {
+            // A pair added by hand: some projects note the base text after it, on its line.
+            if (place.trailingComment.isEmpty()) {
+                ++unchecked;
+                continue;
+            }
+            baseText = place.trailingComment;
         }
         for (const Problem &p : checkTranslation(baseText, value, true))
             report.add({path, place.line, key, baseText, value, p});
     }
+    if (unchecked)
+        err << "vocabrix-cli: " << path << ": " << unchecked << (unchecked == 1 ? " pair has" : " pairs have")
+            << " no base text (no interface tool comment) and " << (unchecked == 1 ? "was" : "were") << " not checked\n";
     return true;
 }
 

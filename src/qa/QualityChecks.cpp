@@ -103,6 +103,15 @@ Ending endingOf(QStringView t, QStringView *mark)
     }
 }
 
+// A label of a few words ending in a letter and a full stop is abbreviated ("мин.", "Geschw.",
+// "Vitesse de télévers."): its full stop is no sentence end.
+bool isAbbreviation(QStringView t)
+{
+    const QStringView trimmed = t.trimmed();
+    if (trimmed.size() < 2 || trimmed.back() != u'.' || !trimmed[trimmed.size() - 2].isLetter()) return false;
+    return trimmed.count(u' ') < 3;
+}
+
 QString punctuationMessage(QStringView base, QStringView translation)
 {
     QStringView baseMark, translationMark;
@@ -117,7 +126,7 @@ QString punctuationMessage(QStringView base, QStringView translation)
         return QStringLiteral("The base ends with \u201C%1\u201D, the translation with no such mark.").arg(baseMark);
     if (baseCounts)
         return QStringLiteral("The base ends with \u201C%1\u201D, the translation with \u201C%2\u201D.").arg(baseMark, translationMark);
-    if (translationCounts)
+    if (translationCounts && !(t == Ending::Period && isAbbreviation(translation)))
         return QStringLiteral("The translation ends with \u201C%1\u201D, the base with no such mark.").arg(translationMark);
     return {};
 }

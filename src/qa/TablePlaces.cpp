@@ -3,6 +3,8 @@
 #include "LocEntry.h"
 #include "QualityChecks.h"
 
+#include <QRegularExpression>
+
 namespace Qa {
 namespace {
 
@@ -32,7 +34,7 @@ public:
             }
             if (t[i] != u';') break;
             ++i;
-            places.insert(key, {keyLine, comment});
+            places.insert(key, {keyLine, comment, trailingComment()});
             lastComment.clear();
         }
         return places;
@@ -43,6 +45,19 @@ private:
     qsizetype i = 0;
     int line = 1;
     QString lastComment;
+
+    // A comment on the rest of the pair's line is the pair's, not the next one's.
+    QString trailingComment()
+    {
+        qsizetype j = i;
+        while (j < t.size() && (t[j] == u' ' || t[j] == u'\t')) ++j;
+        if (j + 1 >= t.size() || t[j] != u'/' || t[j + 1] != u'*') return {};
+        const qsizetype close = t.indexOf(QLatin1String("*/"), j + 2);
+        if (close < 0) return {};
+        const QString text = t.mid(j + 2, close - j - 2).trimmed().toString();
+        while (i < close + 2) advance();
+        return text;
+    }
 
     void advance()
     {
@@ -102,6 +117,13 @@ std::optional<QString> interfaceCommentBase(const QString &comment)
     // The entry's own rules read the property's value out of such a comment.
     const LocEntry entry(QLatin1String("/* ") + comment + QLatin1String(" */\n\"k\" = \"v\";"), true);
     return unescapedWord(StringUtility::wordOrEmpty(entry.baseWord()));
+}
+
+bool isInterfaceKey(const QString &key)
+{
+    // Object ids are numbers (older files) or three groups of letters and digits ("FAF-cL-AAk").
+    static const QRegularExpression form(QStringLiteral("^([0-9]+|[A-Za-z0-9]{3}-[A-Za-z0-9]{2}-[A-Za-z0-9]{3})\\.[A-Za-z]"));
+    return form.match(key).hasMatch();
 }
 
 }  // namespace Qa

@@ -14,6 +14,7 @@ namespace Qa {
 struct TablePlace {
     int line = 0;     // 1-based line of the key
     QString comment;  // the block comment right before the pair, without its /* */; empty if none
+    QString trailingComment;  // a block comment after the pair on the same line
 };
 
 // By key, unescaped as the reader unescapes it; a repeated key has the place of its last pair,
@@ -23,5 +24,9 @@ QHash<QString, TablePlace> tablePlaces(QStringView text);
 // The base text an interface tool's comment gives for its pair, unescaped; none when the
 // comment is not of that form.
 std::optional<QString> interfaceCommentBase(const QString &comment);
+
+// Whether a key has the interface tool's form, object id then property ("12.title",
+// "FAF-cL-AAk.headerToolTip"): such a key is no base text.
+bool isInterfaceKey(const QString &key);
 
 }  // namespace Qa

@@ -74,7 +74,8 @@ void TestCheckCommand::tables_data()
                                          << QStringList{u"1 open ending-punctuation warning"_s} << QString();
     QTest::addRow("interface tool comments give the base")
         << QStringList{fixture(QStringLiteral("interface.strings"))} << 0
-        << QStringList{u"2 12.title ending-punctuation warning"_s} << QStringLiteral("0 errors, 1 warning");
+        << QStringList{u"2 12.title ending-punctuation warning"_s, u"6 AE4-BD-wZi.toolTip ending-punctuation warning"_s}
+        << QStringLiteral("1 pair has no base text (no interface tool comment) and was not checked\nvocabrix-cli: 0 errors, 2 warnings");
     QTest::addRow("keyed by English text") << QStringList{fixture(QStringLiteral("english-keyed.strings"))} << 1
                                            << QStringList{u"2 Cancel same-as-base warning"_s, u"4 Delete %@? format-specifiers error"_s}
                                            << QString();

@@ -159,7 +159,7 @@ void TestQualityChecks::tablePlaces()
         "\"multi\n"
         "line\" = \"y\";\n"
         "\"dup\" = \"2\";\n"
-        "\"short\";\n"
+        "\"short\"; /* its own */\n"
         "\"broken\" = ;\n"
         "\"after\" = \"never read\";\n");
     const auto places = Qa::tablePlaces(text);
@@ -170,6 +170,9 @@ void TestQualityChecks::tablePlaces()
     QCOMPARE(places.value(QStringLiteral("multi\nline")).line, 7);
     QCOMPARE(places.value(QStringLiteral("dup")).line, 9);  // the pair whose value is kept
     QCOMPARE(places.value(QStringLiteral("short")).line, 10);
+    QCOMPARE(places.value(QStringLiteral("short")).trailingComment, QStringLiteral("its own"));
+    QVERIFY(isInterfaceKey(QStringLiteral("12.title")) && isInterfaceKey(QStringLiteral("FAF-cL-AAk.headerToolTip")));
+    QVERIFY(!isInterfaceKey(QStringLiteral("1.5 times")) && !isInterfaceKey(QStringLiteral("alert.title")));
     QVERIFY(!places.contains(QStringLiteral("broken")) && !places.contains(QStringLiteral("after")));
     QVERIFY(!interfaceCommentBase(QStringLiteral("first")));
     QVERIFY(Qa::tablePlaces(QStringLiteral("/* open")).isEmpty());
