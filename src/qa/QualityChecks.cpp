@@ -40,22 +40,43 @@ QString describedRun(const QString &run)
     return QStringLiteral("%1 white-space characters").arg(run.size());
 }
 
-QString whitespaceMessage(QStringView base, QStringView translation)
+// Full-width punctuation carries its own spacing: "名前：" needs no space after it.
+bool isFullWidthPunctuation(QChar c)
 {
-    auto leading = [](QStringView t) {
+    const char16_t u = c.unicode();
+    return (u >= 0x3000 && u <= 0x303F) || (u >= 0xFF01 && u <= 0xFF0F) || (u >= 0xFF1A && u <= 0xFF20)
+        || (u >= 0xFF3B && u <= 0xFF40) || (u >= 0xFF5B && u <= 0xFF65);
+}
+
+// `breaksCounted`: the line-break check has spoken, so line breaks at the ends are not told again.
+QString whitespaceMessage(QStringView base, QStringView translation, bool breaksCounted)
+{
+    auto leadingLength = [](QStringView t) {
         qsizetype i = 0;
         while (i < t.size() && t[i].isSpace()) ++i;
-        return normalizedRun(t.left(i));
+        return i;
     };
-    auto trailing = [](QStringView t) {
+    auto trailingLength = [](QStringView t) {
         qsizetype i = t.size();
         while (i > 0 && t[i - 1].isSpace()) --i;
-        return normalizedRun(t.mid(i));
+        return t.size() - i;
+    };
+    auto run = [breaksCounted](QStringView r) {
+        QString n = normalizedRun(r);
+        if (breaksCounted) n.remove(u'\n');
+        return n;
+    };
+    // A space of the base beside full-width punctuation of the translation is in that mark.
+    auto same = [](const QString &b, const QString &t, QChar next) {
+        return b == t || (t.isEmpty() && b.count(u' ') == b.size() && isFullWidthPunctuation(next));
     };
     QStringList parts;
-    if (const QString b = leading(base), t = leading(translation); b != t)
+    const qsizetype bl = leadingLength(base), tl = leadingLength(translation);
+    if (const QString b = run(base.left(bl)), t = run(translation.left(tl)); !same(b, t, translation.at(tl < translation.size() ? tl : 0)))
         parts.append(QStringLiteral("The base starts with %1, the translation with %2.").arg(describedRun(b), describedRun(t)));
-    if (const QString b = trailing(base), t = trailing(translation); b != t)
+    const qsizetype bt = trailingLength(base), tt = trailingLength(translation);
+    const QChar last = translation.size() > tt ? translation.at(translation.size() - tt - 1) : QChar();
+    if (const QString b = run(base.right(bt)), t = run(translation.right(tt)); !same(b, t, last))
         parts.append(QStringLiteral("The base ends with %1, the translation with %2.").arg(describedRun(b), describedRun(t)));
     return parts.join(u' ');
 }
@@ -182,14 +203,15 @@ QList<Problem> checkTranslation(QStringView base, QStringView translation, bool 
             problems.append({EmptyCheck, Severity::Warning, QStringLiteral("The entry is checked, but its translation is empty.")});
         return problems;
     }
-    if (const qsizetype b = lineBreaks(base), t = lineBreaks(translation); b != t) {
+    const qsizetype baseBreaks = lineBreaks(base), translationBreaks = lineBreaks(translation);
+    if (const qsizetype b = baseBreaks, t = translationBreaks; b != t) {
         auto breaks = [](qsizetype n) {
             return n == 0 ? QStringLiteral("none") : n == 1 ? QStringLiteral("1 line break") : QStringLiteral("%1 line breaks").arg(n);
         };
         problems.append({LineBreakCheck, Severity::Warning,
                          QStringLiteral("The base has %1, the translation %2.").arg(breaks(b), breaks(t))});
     }
-    if (const QString m = whitespaceMessage(base, translation); !m.isEmpty())
+    if (const QString m = whitespaceMessage(base, translation, baseBreaks != translationBreaks); !m.isEmpty())
         problems.append({WhitespaceCheck, Severity::Warning, m});
     if (const QString m = punctuationMessage(base, translation); !m.isEmpty())
         problems.append({PunctuationCheck, Severity::Warning, m});
