@@ -5,9 +5,12 @@
 
 QIcon problemIcon(Qa::Severity severity)
 {
+    // Made once: tables ask for them on every repaint of every row.
+    static const QIcon error = QApplication::style()->standardIcon(QStyle::SP_MessageBoxCritical);
+    static const QIcon warning = QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
     switch (severity) {
-    case Qa::Severity::Error: return QApplication::style()->standardIcon(QStyle::SP_MessageBoxCritical);
-    case Qa::Severity::Warning: return QApplication::style()->standardIcon(QStyle::SP_MessageBoxWarning);
+    case Qa::Severity::Error: return error;
+    case Qa::Severity::Warning: return warning;
     default: return QIcon();
     }
 }
