@@ -3,6 +3,8 @@
 #include <QMap>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace Qa {
 namespace {
 
@@ -13,23 +15,39 @@ enum class Length { None, Short, Long, LongDouble };
 
 // The argument kind a conversion reads. Signed and unsigned integers are one kind: a translator
 // who writes %u for %d prints the same number for every count an interface shows.
-QString argumentType(QChar conversion, Length length)
+// The kinds' names, made once: every placeholder found carries one.
+struct Kinds {
+    const QString object = QStringLiteral("object"), integer = QStringLiteral("integer"),
+                  longInteger = QStringLiteral("long integer"), character = QStringLiteral("char"),
+                  unichar = QStringLiteral("unichar"), cString = QStringLiteral("C string"),
+                  unicharString = QStringLiteral("unichar string"), real = QStringLiteral("double"),
+                  longReal = QStringLiteral("long double"), pointer = QStringLiteral("pointer"),
+                  count = QStringLiteral("count"), none;
+};
+const Kinds &kinds()
 {
+    static const Kinds k;
+    return k;
+}
+
+const QString &argumentType(QChar conversion, Length length)
+{
+    const Kinds &k = kinds();
     const bool isLong = length == Length::Long;
     switch (conversion.unicode()) {
-    case u'@': return QStringLiteral("object");
+    case u'@': return k.object;
     case u'd': case u'i': case u'u': case u'x': case u'X': case u'o':
-        return isLong ? QStringLiteral("long integer") : QStringLiteral("integer");
-    case u'D': case u'U': case u'O': return QStringLiteral("long integer");
-    case u'c': return isLong ? QStringLiteral("unichar") : QStringLiteral("char");
-    case u'C': return QStringLiteral("unichar");
-    case u's': return isLong ? QStringLiteral("unichar string") : QStringLiteral("C string");
-    case u'S': return QStringLiteral("unichar string");
+        return isLong ? k.longInteger : k.integer;
+    case u'D': case u'U': case u'O': return k.longInteger;
+    case u'c': return isLong ? k.unichar : k.character;
+    case u'C': return k.unichar;
+    case u's': return isLong ? k.unicharString : k.cString;
+    case u'S': return k.unicharString;
     case u'f': case u'F': case u'e': case u'E': case u'g': case u'G': case u'a': case u'A':
-        return length == Length::LongDouble ? QStringLiteral("long double") : QStringLiteral("double");
-    case u'p': return QStringLiteral("pointer");
-    case u'n': return QStringLiteral("count");
-    default: return QString();
+        return length == Length::LongDouble ? k.longReal : k.real;
+    case u'p': return k.pointer;
+    case u'n': return k.count;
+    default: return k.none;
     }
 }
 
@@ -79,7 +97,7 @@ void starAt(QStringView t, qsizetype *i, QList<Specifier> &stars)
     const int position = digitsAt(t, &j);
     const bool positioned = position > 0 && j < t.size() && t[j] == u'$';
     if (positioned) *i = j + 1;
-    stars.append({t.mid(start, *i - start).toString(), positioned ? position : 0, QStringLiteral("integer"), {}, false});
+    stars.append({t.mid(start, *i - start).toString(), positioned ? position : 0, kinds().integer, {}, false});
 }
 
 // One placeholder at t[at] == '%' appended to `out`; its length, or 0 when the percent sign
@@ -88,7 +106,7 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, QList<Specif
 {
     QString name;
     if (const qsizetype named = namedAt(t, at, &name)) {
-        out.append({t.mid(at, named).toString(), 0, QStringLiteral("object"), name, true});
+        out.append({t.mid(at, named).toString(), 0, kinds().object, name, true});
         return named;
     }
     const qsizetype n = t.size();
@@ -133,7 +151,7 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, QList<Specif
         ++i;
     }
     if (i >= n) return 0;
-    const QString type = argumentType(t[i], length);
+    const QString &type = argumentType(t[i], length);
     if (type.isEmpty()) return 0;
     ++i;
     out.append(stars);
@@ -177,6 +195,10 @@ QMap<int, Specifier> byPosition(const QList<Specifier> &args, QString *conflict)
 
 QString compareNamed(const QList<Specifier> &base, const QList<Specifier> &translation)
 {
+    auto anyNamed = [](const QList<Specifier> &specs) {
+        return std::any_of(specs.begin(), specs.end(), [](const Specifier &s) { return !s.name.isEmpty(); });
+    };
+    if (!anyNamed(base) && !anyNamed(translation)) return {};
     auto names = [](const QList<Specifier> &specs) {
         QMap<QString, QString> map;  // name -> text as written
         for (const Specifier &s : specs)

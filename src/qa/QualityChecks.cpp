@@ -267,17 +267,79 @@ QString unescapedWord(const QString &escaped)
     return out;
 }
 
+namespace {
+
+// An entry's words cut out of its text by the entry's own rules (LocEntry::baseWord and
+// localizedWord), without copying: checking every entry of a document must take milliseconds.
+// Those rules search case-insensitively; their delimiters hold no letters, except the
+// property's name before an interface entry's base word, so exact searches find the same places.
+QStringView between(QStringView t, QStringView open, QStringView close)
+{
+    const qsizetype at = t.indexOf(open);
+    if (at < 0) return {};
+    const qsizetype start = at + open.size();
+    if (start >= t.size()) return {};
+    const qsizetype end = t.indexOf(close, start);
+    if (end < 0 || end == start) return {};
+    return t.mid(start, end - start);
+}
+
+QStringView localizedWordOf(QStringView t)
+{
+    const qsizetype lineFeed = t.indexOf(u'\n');
+    if (lineFeed < 0) return between(t, u" = \"", u"\";");
+    if (lineFeed + 1 >= t.size()) return {};
+    return between(t.mid(lineFeed + 1), u" = \"", u"\";");
+}
+
+QStringView baseWordOf(QStringView t)
+{
+    static const QStringView pairOpen = u" = \"";
+    if (t.contains(u"; ObjectID = \"")) {
+        const QStringView type = between(t, u"\"; ", pairOpen);
+        if (type.isEmpty()) return {};
+        // The first "<type> = \"", the type's letters in any case.
+        for (qsizetype at = t.indexOf(pairOpen); at >= 0; at = t.indexOf(pairOpen, at + 1)) {
+            const qsizetype from = at - type.size();
+            if (from < 0 || t.mid(from, type.size()).compare(type, Qt::CaseInsensitive) != 0) continue;
+            return between(t.mid(from), pairOpen, u"\";");
+        }
+        return {};
+    }
+    if (const QStringView w = between(t, u"\n\"", u"\" = "); !w.isEmpty()) return w;
+    if (t.mid(t.indexOf(u'\n') + 1).startsWith(u"\"\" = ")) return {};
+    if (const QStringView w = between(t, u"\"", u"\" = "); !w.isEmpty()) return w;
+    const qsizetype at = t.indexOf(u" = ");
+    return at > 0 ? t.left(at) : QStringView();
+}
+
+// A word as the user sees it, kept in `storage` only when unescaping changed it.
+QStringView unescaped(QStringView word, QString &storage)
+{
+    if (!word.contains(u'\\')) return word;
+    storage = unescapedWord(word.toString());
+    return storage;
+}
+
+}  // namespace
+
+EntryWords entryWords(const LocEntry &entry)
+{
+    return {baseWordOf(entry.entry()).toString(), localizedWordOf(entry.entry()).toString()};
+}
+
 QList<Problem> checkEntry(const LocEntry &entry)
 {
-    const QString base = unescapedWord(StringUtility::wordOrEmpty(entry.baseWord()));
-    const QString translation = unescapedWord(StringUtility::wordOrEmpty(entry.localizedWord()));
+    QString baseStorage, translationStorage;
+    const QStringView base = unescaped(baseWordOf(entry.entry()), baseStorage);
+    const QStringView translation = unescaped(localizedWordOf(entry.entry()), translationStorage);
     return checkTranslation(base, translation, entry.isChecked());
 }
 
 QList<Problem> checkTypedWord(const LocEntry &entry, const QString &typed, bool checked)
 {
-    const QString base = unescapedWord(StringUtility::wordOrEmpty(entry.baseWord()));
-    return checkTranslation(base, unescapedWord(typed), checked);
+    QString baseStorage;
+    return checkTranslation(unescaped(baseWordOf(entry.entry()), baseStorage), unescapedWord(typed), checked);
 }
 
 }  // namespace Qa

@@ -48,6 +48,14 @@ QList<Problem> checkTranslation(QStringView base, QStringView translation, bool 
 // the same text, not copied.
 QString unescapedWord(const QString &escaped);
 
+// An entry's base and localized words as it stores them (escaped), read as LocEntry reads them
+// (baseWord, localizedWord; absent reads empty), but several times faster.
+struct EntryWords {
+    QString base;
+    QString translation;
+};
+EntryWords entryWords(const LocEntry &entry);
+
 // An entry's localized word against its base word, both unescaped.
 QList<Problem> checkEntry(const LocEntry &entry);
 // The same for a localized word being typed (escaped as the editor shows it) in `entry`.

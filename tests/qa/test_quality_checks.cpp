@@ -53,6 +53,8 @@ private slots:
     void unescaping_data();
     void unescaping();
     void tablePlaces();
+    void entryWords_data();
+    void entryWords();
     void entriesAndCache();
     void plantedFaultsInCorpusTables();
 };
@@ -179,6 +181,34 @@ void TestQualityChecks::tablePlaces()
     QVERIFY(Qa::tablePlaces(QStringLiteral("\"open")).isEmpty());
 }
 
+// The checks read an entry's words with their own, faster cuts: they must be the entry's.
+void TestQualityChecks::entryWords_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addRow("interface") << u"/* Class = \"NSButton\"; title = \"Cancel\"; ObjectID = \"12\"; */\n\"12.title\" = \"Abbrechen\";"_s;
+    QTest::addRow("property in capitals") << u"/* Class = \"NSButton\"; Title = \"X\"; ObjectID = \"1\"; */\n\"1.title\" = \"Y\";"_s;
+    QTest::addRow("property after another") << u"/* Class = \"A\"; placeholderString = \"p\"; title = \"t\"; ObjectID = \"1\"; */\n\"1.title\" = \"u\";"_s;
+    QTest::addRow("class named as the property") << u"/* Class = \"title\"; title = \"t\"; ObjectID = \"1\"; */\n\"1.title\" = \"u\";"_s;
+    QTest::addRow("empty interface value") << u"/* Class = \"A\"; title = \"\"; ObjectID = \"1\"; */\n\"1.title\" = \"\";"_s;
+    QTest::addRow("escaped quotes") << u"/* Class = \"A\"; title = \"Say \\\"Hi\\\"\"; ObjectID = \"1\"; */\n\"1.title\" = \"\\\"Salut\\\";\";"_s;
+    QTest::addRow("strings file") << u"/* \"OpenKey\"=\"Open\" */\n\"Open\" = \"Ouvrir\";"_s;
+    QTest::addRow("pair line") << u"\"My App\" = \"Mein Programm\";"_s;
+    QTest::addRow("empty key") << u"/* \"k\"=\"\" */\n\"\" = \"x\";"_s;
+    QTest::addRow("unquoted") << u"a = \"b\";"_s;
+    QTest::addRow("nibtool") << u"/* NSButton (Cancel) : <title:Cancel> (oid:54) */\n\"Cancel\" = \"Annuler\";"_s;
+    QTest::addRow("nothing after the line feed") << u"\"a\" = \"b\";\n"_s;
+    QTest::addRow("no pair") << u"garbage"_s;
+}
+
+void TestQualityChecks::entryWords()
+{
+    QFETCH(QString, text);
+    const LocEntry entry(text, true);
+    const EntryWords words = Qa::entryWords(entry);
+    QCOMPARE(words.base, StringUtility::wordOrEmpty(entry.baseWord()));
+    QCOMPARE(words.translation, StringUtility::wordOrEmpty(entry.localizedWord()));
+}
+
 void TestQualityChecks::entriesAndCache()
 {
     QTemporaryDir dir;
@@ -224,6 +254,11 @@ void TestQualityChecks::plantedFaultsInCorpusTables()
             const auto base = interfaceCommentBase(places.value(key).comment);
             if (!base || base->isEmpty() || value.isEmpty() || !checkTranslation(*base, value, false).isEmpty()) continue;
             const QString where = it.filePath() + u' ' + key;
+            const LocEntry entry(QStringLiteral("/* %1 */\n\"%2\" = \"%3\";")
+                                     .arg(places.value(key).comment, key, StringUtility::escapeForStringsFile(value)), true);
+            const EntryWords words = Qa::entryWords(entry);
+            QVERIFY2(words.base == StringUtility::wordOrEmpty(entry.baseWord())
+                         && words.translation == StringUtility::wordOrEmpty(entry.localizedWord()), qPrintable(where));
             const bool isFormat = !formatSpecifiers(*base, FormatMode::Text).isEmpty();
             const QList<Specifier> specs = formatSpecifiers(value, FormatMode::Format);
             if (isFormat && !specs.isEmpty() && specs.first().name.isEmpty()) {
