@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <cstdio>
+#include <ctime>
 
 namespace {
 
@@ -75,17 +76,21 @@ int main(int argc, char **argv)
         if (args[i] == QLatin1String("--entries")) count = args[i + 1].toInt();
     const QList<LocEntryPtr> entries = makeEntries(count);
 
-    // Best of five, so a busy machine disturbs the figure less.
-    double best = 1e9;
+    // Best of five, wall clock and processor time: on a machine shared with builds the processor
+    // time is the figure to trust.
+    double best = 1e9, bestCpu = 1e9;
     qsizetype problems = 0;
     for (int run = 0; run < 5; ++run) {
         QElapsedTimer t;
         t.start();
+        const std::clock_t cpu = std::clock();
         problems = 0;
         for (const LocEntryPtr &e : entries) problems += Qa::checkEntry(*e).size();
+        bestCpu = std::min(bestCpu, double(std::clock() - cpu) * 1000.0 / CLOCKS_PER_SEC);
         best = std::min(best, t.nsecsElapsed() / 1e6);
     }
     report("qa_check_entries_ms", best, "ms");
+    report("qa_check_entries_cpu_ms", bestCpu, "ms");
     report("qa_entries", count, "entries");
     report("qa_problems_found", double(problems), "problems");
 

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QStringList>
+#include <QVarLengthArray>
 
 #include <algorithm>
 
@@ -51,8 +52,19 @@ const QString &argumentType(QChar conversion, Length length)
     }
 }
 
+// A placeholder as found: views into the text, its kind one of kinds(). Checking a document
+// parses every text holding a "%": nothing here allocates while a text has few placeholders.
+struct Spec {
+    QStringView text;
+    int position;
+    const QString *type;
+    QStringView name;
+    bool plain;
+};
+using Specs = QVarLengthArray<Spec, 8>;
+
 // A named form at t[at] == '%': "%#@name@" or "%{name}@"; its length, or 0.
-qsizetype namedAt(QStringView t, qsizetype at, QString *name)
+qsizetype namedAt(QStringView t, qsizetype at, QStringView *name)
 {
     const qsizetype n = t.size();
     qsizetype i = at + 1;
@@ -69,7 +81,7 @@ qsizetype namedAt(QStringView t, qsizetype at, QString *name)
     const qsizetype start = i;
     while (i < n && i - start < 128 && isNameChar(t[i])) ++i;
     if (i == start || i >= n || t[i] != close) return 0;
-    *name = t.mid(start, i - start).toString();
+    *name = t.mid(start, i - start);
     if (close == u'}') {
         if (i + 1 >= n || t[i + 1] != u'@') return 0;
         ++i;
@@ -89,7 +101,7 @@ int digitsAt(QStringView t, qsizetype *i)
 }
 
 // A "*" width or precision: an integer argument of its own ("*" or "*3$").
-void starAt(QStringView t, qsizetype *i, QList<Specifier> &stars)
+void starAt(QStringView t, qsizetype *i, Specs &stars)
 {
     const qsizetype start = *i;
     ++*i;
@@ -97,16 +109,16 @@ void starAt(QStringView t, qsizetype *i, QList<Specifier> &stars)
     const int position = digitsAt(t, &j);
     const bool positioned = position > 0 && j < t.size() && t[j] == u'$';
     if (positioned) *i = j + 1;
-    stars.append({t.mid(start, *i - start).toString(), positioned ? position : 0, kinds().integer, {}, false});
+    stars.append({t.mid(start, *i - start), positioned ? position : 0, &kinds().integer, {}, false});
 }
 
 // One placeholder at t[at] == '%' appended to `out`; its length, or 0 when the percent sign
 // begins none.
-qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, QList<Specifier> &out)
+qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, Specs &out)
 {
-    QString name;
+    QStringView name;
     if (const qsizetype named = namedAt(t, at, &name)) {
-        out.append({t.mid(at, named).toString(), 0, kinds().object, name, true});
+        out.append({t.mid(at, named), 0, &kinds().object, name, true});
         return named;
     }
     const qsizetype n = t.size();
@@ -123,7 +135,7 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, QList<Specif
         ++i;
         plain = false;
     }
-    QList<Specifier> stars;
+    Specs stars;
     if (i < n && t[i] == u'*') {
         starAt(t, &i, stars);
         plain = false;
@@ -154,15 +166,31 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, QList<Specif
     const QString &type = argumentType(t[i], length);
     if (type.isEmpty()) return 0;
     ++i;
-    out.append(stars);
-    out.append({t.mid(at, i - at).toString(), position, type, {}, plain});
+    out.append(stars.constData(), stars.size());
+    out.append({t.mid(at, i - at), position, &type, {}, plain});
     return i - at;
 }
 
-QString listed(const QList<Specifier> &specs)
+Specs collect(QStringView text, FormatMode mode)
+{
+    Specs specs;
+    qsizetype i = text.indexOf(u'%');
+    while (i >= 0 && i < text.size()) {
+        if (i + 1 < text.size() && text[i + 1] == u'%') {
+            i += 2;
+        } else {
+            const qsizetype length = specifierAt(text, i, mode, specs);
+            i += length > 0 ? length : 1;
+        }
+        i = text.indexOf(u'%', i);
+    }
+    return specs;
+}
+
+QString listed(const Specs &specs)
 {
     QStringList texts;
-    for (const Specifier &s : specs) texts.append(s.text);
+    for (const Spec &s : specs) texts.append(s.text.toString());
     return texts.join(QLatin1String(", "));
 }
 
@@ -171,62 +199,64 @@ QString counted(qsizetype n)
     return n == 1 ? QStringLiteral("1 placeholder") : QStringLiteral("%1 placeholders").arg(n);
 }
 
-QString described(const Specifier &s)
+QString described(const Spec &s)
 {
-    return QStringLiteral("%1 (%2)").arg(s.text, s.type);
+    return QStringLiteral("%1 (%2)").arg(s.text.toString(), *s.type);
 }
 
 // Arguments by position: plain ones count from 1 in order. A position used twice with two
 // kinds gives its first; `conflict` names the second.
-QMap<int, Specifier> byPosition(const QList<Specifier> &args, QString *conflict)
+QMap<int, Spec> byPosition(const Specs &args, QString *conflict)
 {
-    QMap<int, Specifier> map;
+    QMap<int, Spec> map;
     int next = 1;
-    for (const Specifier &s : args) {
+    for (const Spec &s : args) {
         const int position = s.position > 0 ? s.position : next++;
         const auto found = map.constFind(position);
         if (found == map.cend()) map.insert(position, s);
         else if (found->type != s.type && conflict && conflict->isEmpty())
             *conflict = QStringLiteral("The translation uses argument %1 twice, as %2 and as %3: one argument has one kind.")
-                            .arg(position).arg(described(*found), described(s));
+                            .arg(QString::number(position), described(*found), described(s));
     }
     return map;
 }
 
-QString compareNamed(const QList<Specifier> &base, const QList<Specifier> &translation)
+QString compareNamed(const Specs &base, const Specs &translation)
 {
-    auto anyNamed = [](const QList<Specifier> &specs) {
-        return std::any_of(specs.begin(), specs.end(), [](const Specifier &s) { return !s.name.isEmpty(); });
+    auto anyNamed = [](const Specs &specs) {
+        return std::any_of(specs.begin(), specs.end(), [](const Spec &s) { return !s.name.isEmpty(); });
     };
     if (!anyNamed(base) && !anyNamed(translation)) return {};
-    auto names = [](const QList<Specifier> &specs) {
-        QMap<QString, QString> map;  // name -> text as written
-        for (const Specifier &s : specs)
+    auto names = [](const Specs &specs) {
+        QMap<QStringView, QStringView> map;  // name -> text as written
+        for (const Spec &s : specs)
             if (!s.name.isEmpty()) map.insert(s.name, s.text);
         return map;
     };
     const auto b = names(base), t = names(translation);
     for (auto it = b.cbegin(); it != b.cend(); ++it)
         if (!t.contains(it.key()))
-            return QStringLiteral("The translation lacks %1, which the base has: the value it stands for would be lost.").arg(it.value());
+            return QStringLiteral("The translation lacks %1, which the base has: the value it stands for would be lost.")
+                .arg(it.value().toString());
     for (auto it = t.cbegin(); it != t.cend(); ++it)
         if (!b.contains(it.key()))
-            return QStringLiteral("The translation has %1, which the base does not have: there is no value of that name.").arg(it.value());
+            return QStringLiteral("The translation has %1, which the base does not have: there is no value of that name.")
+                .arg(it.value().toString());
     return {};
 }
 
-QString compareArguments(const QList<Specifier> &base, const QList<Specifier> &translation)
+QString compareArguments(const Specs &base, const Specs &translation)
 {
     bool numbered = false, unnumbered = false;
-    for (const Specifier &s : translation) (s.position > 0 ? numbered : unnumbered) = true;
+    for (const Spec &s : translation) (s.position > 0 ? numbered : unnumbered) = true;
     if (numbered && unnumbered) {
-        QList<Specifier> withNumber, without;
-        for (const Specifier &s : translation) (s.position > 0 ? withNumber : without).append(s);
+        Specs withNumber, without;
+        for (const Spec &s : translation) (s.position > 0 ? withNumber : without).append(s);
         return QStringLiteral("The translation mixes numbered placeholders (%1) with unnumbered ones (%2): "
                               "number all of them or none.").arg(listed(withNumber), listed(without));
     }
     bool basePositions = false;
-    for (const Specifier &s : base) basePositions |= s.position > 0;
+    for (const Spec &s : base) basePositions |= s.position > 0;
     if (!numbered && !basePositions) {
         if (base.size() != translation.size())
             return QStringLiteral("The base has %1 (%2) and the translation %3%4: every placeholder of the base must "
@@ -248,14 +278,16 @@ QString compareArguments(const QList<Specifier> &base, const QList<Specifier> &t
     for (auto it = b.cbegin(); it != b.cend(); ++it) {
         const auto other = t.constFind(it.key());
         if (other == t.cend())
-            return QStringLiteral("The translation lacks argument %1, which the base shows as %2.").arg(it.key()).arg(it->text);
+            return QStringLiteral("The translation lacks argument %1, which the base shows as %2.")
+                .arg(QString::number(it.key()), it->text.toString());
         if (other->type != it->type)
             return QStringLiteral("Argument %1 is %2 in the base but %3 in the translation: the kinds must agree.")
-                .arg(it.key()).arg(described(*it), described(*other));
+                .arg(QString::number(it.key()), described(*it), described(*other));
     }
     for (auto it = t.cbegin(); it != t.cend(); ++it)
         if (!b.contains(it.key()))
-            return QStringLiteral("The translation has %1, but the base has no argument %2.").arg(it->text, QString::number(it.key()));
+            return QStringLiteral("The translation has %1, but the base has no argument %2.")
+                .arg(it->text.toString(), QString::number(it.key()));
     return {};
 }
 
@@ -263,18 +295,9 @@ QString compareArguments(const QList<Specifier> &base, const QList<Specifier> &t
 
 QList<Specifier> formatSpecifiers(QStringView text, FormatMode mode)
 {
-    QList<Specifier> specs;
-    qsizetype i = text.indexOf(u'%');
-    while (i >= 0 && i < text.size()) {
-        if (i + 1 < text.size() && text[i + 1] == u'%') {
-            i += 2;
-        } else {
-            const qsizetype length = specifierAt(text, i, mode, specs);
-            i += length > 0 ? length : 1;
-        }
-        i = text.indexOf(u'%', i);
-    }
-    return specs;
+    QList<Specifier> list;
+    for (const Spec &s : collect(text, mode)) list.append({s.text.toString(), s.position, *s.type, s.name.toString(), s.plain});
+    return list;
 }
 
 QString compareFormatSpecifiers(QStringView base, QStringView translation)
@@ -282,22 +305,22 @@ QString compareFormatSpecifiers(QStringView base, QStringView translation)
     const bool baseHasPercent = base.contains(u'%');
     const bool translationHasPercent = translation.contains(u'%');
     if (!baseHasPercent && !translationHasPercent) return {};
-    if (!baseHasPercent || formatSpecifiers(base, FormatMode::Text).isEmpty()) {
+    if (!baseHasPercent || collect(base, FormatMode::Text).isEmpty()) {
         // No format: only what is unmistakably a placeholder counts (rule 2).
-        QList<Specifier> found;
-        for (const Specifier &s : formatSpecifiers(translation, FormatMode::Text))
+        Specs found;
+        for (const Spec &s : collect(translation, FormatMode::Text))
             if (s.plain) found.append(s);
         if (found.isEmpty()) return {};
         return QStringLiteral("The translation has %1 (%2), but the base has none: the application has no value to put "
                               "there.")
             .arg(counted(found.size()), listed(found));
     }
-    const QList<Specifier> b = formatSpecifiers(base, FormatMode::Format);
-    const QList<Specifier> t = formatSpecifiers(translation, FormatMode::Format);
-    QList<Specifier> bArgs, tArgs;
-    for (const Specifier &s : b)
+    const Specs b = collect(base, FormatMode::Format);
+    const Specs t = collect(translation, FormatMode::Format);
+    Specs bArgs, tArgs;
+    for (const Spec &s : b)
         if (s.name.isEmpty()) bArgs.append(s);
-    for (const Specifier &s : t)
+    for (const Spec &s : t)
         if (s.name.isEmpty()) tArgs.append(s);
     const QString named = compareNamed(b, t);
     return named.isEmpty() ? compareArguments(bArgs, tArgs) : named;
