@@ -2,6 +2,8 @@
 
 #include "FormatSpecifiers.h"
 
+#include <algorithm>
+
 namespace Qa {
 namespace {
 
@@ -278,8 +280,9 @@ namespace {
 qsizetype find(QStringView t, QStringView what, qsizetype from = 0)
 {
     const QChar first = what.front();
-    for (qsizetype at = t.indexOf(first, from); at >= 0; at = t.indexOf(first, at + 1))
-        if (t.mid(at).startsWith(what)) return at;
+    const qsizetype n = what.size();
+    for (qsizetype at = t.indexOf(first, from); at >= 0 && at + n <= t.size(); at = t.indexOf(first, at + 1))
+        if (std::equal(what.utf16() + 1, what.utf16() + n, t.utf16() + at + 1)) return at;
     return -1;
 }
 
@@ -311,7 +314,9 @@ QStringView baseWordOf(QStringView t)
         // The first "<type> = \"", the type's letters in any case.
         for (qsizetype at = find(t, pairOpen); at >= 0; at = find(t, pairOpen, at + 1)) {
             const qsizetype from = at - type.size();
-            if (from < 0 || t.mid(from, type.size()).compare(type, Qt::CaseInsensitive) != 0) continue;
+            if (from < 0) continue;
+            const QStringView candidate = t.mid(from, type.size());
+            if (candidate != type && candidate.compare(type, Qt::CaseInsensitive) != 0) continue;
             return between(t.mid(from), pairOpen, u"\";");
         }
         return {};
