@@ -106,8 +106,9 @@ bool checkTable(const QString &path, const OptString &basePath, Report &report, 
             baseText = *found;
         } else if (const auto fromComment = interfaceCommentBase(place.comment)) {
             baseText = *fromComment;
-        } else if (interfaceTable && isInterfaceKey(key)) {
-            // A pair added by hand: some projects note the base text after it, on its line.
+        } else if ((interfaceTable && isInterfaceKey(key)) || isIdentifierKey(key)) {
+            // A key that is no text: a pair added to an interface table by hand (some projects
+            // note its base text after it, on its line), or a table keyed by identifiers.
             if (place.trailingComment.isEmpty()) {
                 ++unchecked;
                 continue;
@@ -119,7 +120,8 @@ bool checkTable(const QString &path, const OptString &basePath, Report &report, 
     }
     if (unchecked)
         err << "vocabrix-cli: " << path << ": " << unchecked << (unchecked == 1 ? " pair has" : " pairs have")
-            << " no base text (no interface tool comment) and " << (unchecked == 1 ? "was" : "were") << " not checked\n";
+            << " no base text (an identifier or object id for key, no interface tool comment) and "
+            << (unchecked == 1 ? "was" : "were") << " not checked; give the base table with --base\n";
     return true;
 }
 

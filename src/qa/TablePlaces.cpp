@@ -126,4 +126,15 @@ bool isInterfaceKey(const QString &key)
     return form.match(key).hasMatch();
 }
 
+bool isIdentifierKey(const QString &key)
+{
+    bool named = false;
+    for (qsizetype i = 0; i < key.size(); ++i) {
+        const QChar c = key[i];
+        if (c.isSpace()) return false;
+        named |= c == u'.' || c == u'_' || (i > 0 && c.isUpper() && key[i - 1].isLower());
+    }
+    return named;
+}
+
 }  // namespace Qa

@@ -28,5 +28,8 @@ std::optional<QString> interfaceCommentBase(const QString &comment);
 // Whether a key has the interface tool's form, object id then property ("12.title",
 // "FAF-cL-AAk.headerToolTip"): such a key is no base text.
 bool isInterfaceKey(const QString &key);
+// Whether a key names its text rather than being it: no white space, and a full stop, an
+// underscore or a capital inside a word ("CFBundleName", "alert.title", "ok_button").
+bool isIdentifierKey(const QString &key);
 
 }  // namespace Qa

@@ -75,10 +75,13 @@ void TestCheckCommand::tables_data()
     QTest::addRow("interface tool comments give the base")
         << QStringList{fixture(QStringLiteral("interface.strings"))} << 0
         << QStringList{u"2 12.title ending-punctuation warning"_s, u"6 AE4-BD-wZi.toolTip ending-punctuation warning"_s}
-        << QStringLiteral("1 pair has no base text (no interface tool comment) and was not checked\nvocabrix-cli: 0 errors, 2 warnings");
+        << QStringLiteral("1 pair has no base text (an identifier or object id for key, no interface tool comment) and was not "
+                          "checked; give the base table with --base\nvocabrix-cli: 0 errors, 2 warnings");
     QTest::addRow("keyed by English text") << QStringList{fixture(QStringLiteral("english-keyed.strings"))} << 1
                                            << QStringList{u"2 Cancel same-as-base warning"_s, u"4 Delete %@? format-specifiers error"_s}
                                            << QString();
+    QTest::addRow("keyed by identifiers, without its base") << QStringList{fixture(QStringLiteral("identifiers.strings"))} << 0
+                                                            << QStringList() << QStringLiteral("1 pair has no base text");
     QTest::addRow("unreadable table") << QStringList{fixture(QStringLiteral("broken.strings"))} << 1 << QStringList()
                                       << QStringLiteral("not a readable string table (expected a value after \"=\", line 2)");
     QTest::addRow("no file") << QStringList() << 2 << QStringList() << QStringLiteral("Usage:");

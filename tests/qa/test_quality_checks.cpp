@@ -175,6 +175,10 @@ void TestQualityChecks::tablePlaces()
     QCOMPARE(places.value(QStringLiteral("short")).trailingComment, QStringLiteral("its own"));
     QVERIFY(isInterfaceKey(QStringLiteral("12.title")) && isInterfaceKey(QStringLiteral("FAF-cL-AAk.headerToolTip")));
     QVERIFY(!isInterfaceKey(QStringLiteral("1.5 times")) && !isInterfaceKey(QStringLiteral("alert.title")));
+    for (const char *key : {"CFBundleName", "alert.title", "ok_button", "NSAppleEventsUsageDescription"})
+        QVERIFY2(isIdentifierKey(QString::fromLatin1(key)), key);
+    for (const char *key : {"OK", "Cancel", "Open Recent", "Quit %@", "e.g. this", "Don't save"})
+        QVERIFY2(!isIdentifierKey(QString::fromLatin1(key)), key);
     QVERIFY(!places.contains(QStringLiteral("broken")) && !places.contains(QStringLiteral("after")));
     QVERIFY(!interfaceCommentBase(QStringLiteral("first")));
     QVERIFY(Qa::tablePlaces(QStringLiteral("/* open")).isEmpty());
