@@ -19,8 +19,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         Qa::checkTranslation(base, translation, checked);
         Qa::checkTranslation(translation, base, checked);
     }
-    // A text always agrees with itself.
-    if (!Qa::compareFormatSpecifiers(base, base).isEmpty()) __builtin_trap();
+    // A text agrees with itself, unless it numbers some placeholders and not others, or gives one
+    // argument two kinds: faults of any translation.
+    const QString self = Qa::compareFormatSpecifiers(base, base);
+    if (!self.isEmpty() && !self.startsWith(QLatin1String("The translation mixes"))
+        && !self.startsWith(QLatin1String("The translation uses argument")))
+        __builtin_trap();
     Qa::unescapedWord(text);
 
     // Every key the table reader finds in a table read whole has its place.

@@ -86,6 +86,7 @@ private:
 
     bool word(QString *out)
     {
+        if (i >= t.size()) return false;
         if (t[i] == u'"') {
             const qsizetype start = ++i;
             while (i < t.size() && t[i] != u'"') {

@@ -183,6 +183,7 @@ void TestQualityChecks::tablePlaces()
     QVERIFY(!interfaceCommentBase(QStringLiteral("first")));
     QVERIFY(Qa::tablePlaces(QStringLiteral("/* open")).isEmpty());
     QVERIFY(Qa::tablePlaces(QStringLiteral("\"open")).isEmpty());
+    QVERIFY(Qa::tablePlaces(QStringLiteral(" 4= ")).isEmpty());  // no value before the end
 }
 
 // The checks read an entry's words with their own, faster cuts: they must be the entry's.
