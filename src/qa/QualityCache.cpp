@@ -19,6 +19,7 @@ const QList<Problem> &QualityCache::problems(const LocEntry &entry)
 FileSummary QualityCache::summary(const LocFile &file)
 {
     FileSummary s;
+    m_rows.reserve(m_rows.size() + file.allEntries().size());
     for (const LocEntryPtr &e : file.allEntries()) {
         const Severity worst = severity(*e);
         if (worst == Severity::Error) ++s.errors;
