@@ -156,6 +156,12 @@ void DocumentWindow::makeMenus()
     QMenu *view = menuBar()->addMenu(tr("&View"));
     view->addAction(settingAction(tr("Hide &Empty Entries"), SettingsKey::IgnoreEmptyWords, this));
     view->addAction(settingAction(tr("Hide &Checked Entries"), SettingsKey::IgnoreLocalizedWords, this));
+    QAction *problems = view->addAction(tr("Show Only Entries with &Problems"));
+    problems->setObjectName(QStringLiteral("ProblemsOnly"));
+    problems->setCheckable(true);
+    problems->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
+    connect(problems, &QAction::toggled, m_entryModel, &EntryTableModel::setProblemsOnly);
+    m_menuActions.insert(QStringLiteral("ProblemsOnly"), problems);
 }
 
 // Export, export all and delete need a file; reverting needs a saved, changed document.

@@ -1,6 +1,7 @@
 #include "EntryEditor.h"
 
 #include "MyDocument.h"
+#include "ProblemList.h"
 #include "SpellHighlighter.h"
 
 #include <QAction>
@@ -33,6 +34,7 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     m_finishButton = new QPushButton(tr("Check and Next"), this);
     m_finishButton->setObjectName(QStringLiteral("finishButton"));
     m_finishButton->setToolTip(tr("Check the entry and go to the next one (Ctrl+Return)"));
+    m_problemList = new ProblemList(this);
 
     m_highlighter = new SpellHighlighter(m_entryField->document(), &m_spellChecker);
     m_spellingAction = new QAction(tr("Check Spelling While Typing"), this);
@@ -64,12 +66,14 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     layout->addLayout(form);
     layout->addWidget(new QLabel(tr("Localized word:"), this));
     layout->addWidget(m_entryField, 1);
+    layout->addWidget(m_problemList);
     layout->addLayout(buttons);
 
     connect(m_entryField, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loading || !m_entry) return;
         m_dirty = true;
         m_document->update();  // every edit of a localized word marks the document changed
+        updateProblems();
     });
     connect(m_checkBox, &QCheckBox::clicked, this, [this](bool on) {
         if (!m_entry) return;
@@ -119,6 +123,19 @@ bool EntryEditor::commit()
 void EntryEditor::refreshCheck()
 {
     m_checkBox->setChecked(m_entry && m_entry->isChecked());
+    updateProblems();
+}
+
+// The text as typed, not yet written into the entry, with the check mark the entry will have.
+void EntryEditor::updateProblems()
+{
+    if (!m_entry) {
+        m_problemList->setProblems({});
+        return;
+    }
+    const QString typed = m_entryField->toPlainText();
+    const bool checked = m_entry->isChecked() || typed != wordOrEmpty(m_entry->localizedWord());
+    m_problemList->setProblems(Qa::checkTypedWord(*m_entry, typed, checked));
 }
 
 void EntryEditor::focusEditor()

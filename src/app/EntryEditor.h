@@ -16,6 +16,7 @@ class QCheckBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+class ProblemList;
 class QPushButton;
 class SpellHighlighter;
 
@@ -47,6 +48,7 @@ public:
     QPlainTextEdit *entryField() const { return m_entryField; }
     QCheckBox *checkBox() const { return m_checkBox; }
     QPushButton *finishButton() const { return m_finishButton; }
+    ProblemList *problemList() const { return m_problemList; }
 
 signals:
     void committed(const LocEntry *entry);
@@ -60,6 +62,7 @@ protected:
 private:
     void showContextMenu(const QPoint &pos);
     void announceSpelling();
+    void updateProblems();
     MyDocument *m_document;
     LocEntryPtr m_entry;
     bool m_dirty = false;
@@ -75,4 +78,5 @@ private:
     QPushButton *m_finishButton;
     QAction *m_spellingAction;
     SpellHighlighter *m_highlighter;
+    ProblemList *m_problemList;
 };

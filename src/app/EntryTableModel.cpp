@@ -1,6 +1,7 @@
 #include "EntryTableModel.h"
 
 #include "MyDocument.h"
+#include "ProblemList.h"
 
 #include <QBrush>
 
@@ -20,6 +21,7 @@ void EntryTableModel::setFile(const LocFilePtr &file)
     emit entriesAboutToReset();
     disconnect(m_entriesConnection);
     m_file = file;
+    m_quality.clear();  // the entries of the file shown before may be gone
     if (m_file) m_entriesConnection = connect(m_file.get(), &LocFile::entriesChanged, this, &EntryTableModel::reload);
     rebuild();
 }
@@ -34,9 +36,17 @@ void EntryTableModel::rebuild()
 {
     beginResetModel();
     m_entries = m_file ? m_file->entries() : QList<LocEntryPtr>();
+    if (m_problemsOnly) m_entries.removeIf([this](const LocEntryPtr &e) { return m_quality.problems(*e).isEmpty(); });
     m_rows.clear();
     endResetModel();
     emit entriesReset();
+}
+
+void EntryTableModel::setProblemsOnly(bool on)
+{
+    if (on == m_problemsOnly) return;
+    m_problemsOnly = on;
+    reload();
 }
 
 LocEntryPtr EntryTableModel::entryAt(int row) const
@@ -77,6 +87,11 @@ QVariant EntryTableModel::data(const QModelIndex &index, int role) const
     const int column = index.column();
     if (role == Qt::CheckStateRole && column == CheckColumn) return entry->isChecked() ? Qt::Checked : Qt::Unchecked;
     if (role == Qt::ForegroundRole && !entry->isChecked()) return QBrush(Qt::red);
+    if (column == CheckColumn && (role == Qt::DecorationRole || role == Qt::ToolTipRole)) {
+        const QList<Qa::Problem> &problems = m_quality.problems(*entry);
+        if (problems.isEmpty()) return {};
+        return role == Qt::DecorationRole ? QVariant(problemIcon(Qa::worstSeverity(problems))) : QVariant(Qa::problemsText(problems));
+    }
     if (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole) return {};
     switch (column) {
     case KeyColumn: return wordOrEmpty(entry->keyWord());

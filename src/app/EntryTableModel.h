@@ -2,9 +2,11 @@
 // The entry table: the shown entries of the selected file, with the check box, the key, the base
 // word and the localized word. Editing the localized word goes through setLocalizedWord (which
 // checks the entry when the word changes) and marks the document changed; the check box goes
-// through the document's switchButton.
+// through the document's switchButton. The check column shows an icon for an entry with a
+// problem, its tool tip the problems.
 
 #include "LocFile.h"
+#include "QualityCache.h"
 
 #include <QAbstractTableModel>
 #include <QHash>
@@ -24,6 +26,10 @@ public:
     const LocFilePtr &file() const { return m_file; }
     LocEntryPtr entryAt(int row) const;
     int rowOfEntry(const LocEntry *entry) const;
+    // Only the entries with a problem (see QualityChecks.h). An entry fixed while listed stays
+    // until the list is rebuilt, so that it does not vanish under the translator's hands.
+    void setProblemsOnly(bool on);
+    bool problemsOnly() const { return m_problemsOnly; }
 
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
     int columnCount(const QModelIndex &parent = QModelIndex()) const override;
@@ -49,4 +55,6 @@ private:
     QList<LocEntryPtr> m_entries;
     QHash<const LocEntry *, int> m_rows;  // built on demand: check marks arrive by the thousand
     QMetaObject::Connection m_entriesConnection;
+    bool m_problemsOnly = false;
+    mutable Qa::QualityCache m_quality;  // the check column's icon and tool tip
 };

@@ -2,6 +2,8 @@
 
 #include "ListUtility.h"
 #include "MyDocument.h"
+#include "ProblemList.h"
+#include "UiText.h"
 #include "VXControllerModel.h"
 
 #include <QBrush>
@@ -26,6 +28,8 @@ void FileTableModel::reload()
 {
     beginResetModel();
     m_files = m_document->files();
+    m_summaries.clear();
+    m_quality.clear();
     endResetModel();
 }
 
@@ -35,6 +39,7 @@ void FileTableModel::refreshStatus()
     m_refreshPending = true;
     QTimer::singleShot(0, this, [this] {
         m_refreshPending = false;
+        m_summaries.clear();
         if (!m_files.isEmpty()) emit dataChanged(index(0, 0), index(int(m_files.size()) - 1, ColumnCount - 1));
     });
 }
@@ -71,10 +76,21 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     case Qt::ForegroundRole:
         if (file->color() == EntryColor::Red) return QBrush(Qt::red);
         return {};
+    case Qt::DecorationRole:
+        if (index.column() == NameColumn) {
+            const Qa::Severity worst = summary(*file).worst();
+            if (worst != Qa::Severity::None) return problemIcon(worst);
+        }
+        return {};
     case Qt::ToolTipRole: {
         QStringList lines{file->path()};
         if (!file->initError().isEmpty()) lines.append(file->initError());
         lines.append(file->warnings());
+        const Qa::FileSummary problems = summary(*file);
+        if (problems.errors)
+            lines.append(countedText(problems.errors, tr("1 entry with an error"), tr("%1 entries with errors")));
+        if (problems.warnings)
+            lines.append(countedText(problems.warnings, tr("1 entry with warnings"), tr("%1 entries with warnings")));
         return lines.join(u'\n');
     }
     case Qt::TextAlignmentRole:
@@ -83,6 +99,13 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+Qa::FileSummary FileTableModel::summary(const LocFile &file) const
+{
+    const auto found = m_summaries.constFind(&file);
+    if (found != m_summaries.cend()) return *found;
+    return *m_summaries.insert(&file, m_quality.summary(file));
 }
 
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -1,10 +1,11 @@
 #pragma once
 // The document's file table: one row per LocFile with its name and its status "checked/all",
-// red while an entry is unchecked. Rows are reordered by dragging; files and bundles dropped
+// red while an entry is unchecked, with an icon while an entry has an error (or a warning). Rows are reordered by dragging; files and bundles dropped
 // from the file manager are handed to the document a moment later (so the drop is answered
 // before the document asks for previous versions).
 
 #include "LocFile.h"
+#include "QualityCache.h"
 
 #include <QAbstractTableModel>
 
@@ -49,4 +50,8 @@ private:
     MyDocument *m_document;
     QList<LocFilePtr> m_files;  // the document's list as last announced
     bool m_refreshPending = false;
+    // Per file, read again after entries changed (their texts change after they announce it).
+    Qa::FileSummary summary(const LocFile &file) const;
+    mutable Qa::QualityCache m_quality;
+    mutable QHash<const LocFile *, Qa::FileSummary> m_summaries;
 };
