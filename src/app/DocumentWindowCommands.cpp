@@ -156,6 +156,12 @@ void DocumentWindow::makeMenus()
     QMenu *view = menuBar()->addMenu(tr("&View"));
     view->addAction(settingAction(tr("Hide &Empty Entries"), SettingsKey::IgnoreEmptyWords, this));
     view->addAction(settingAction(tr("Hide &Checked Entries"), SettingsKey::IgnoreLocalizedWords, this));
+    // Entries whose base text changed since the previous release: the ones to look at again.
+    QAction *changed = view->addAction(tr("Only Entries Whose &Base Changed"));
+    changed->setObjectName(QStringLiteral("onlyChangedBaseAction"));
+    changed->setCheckable(true);
+    connect(changed, &QAction::toggled, this, [this](bool on) { m_document->setShowOnlyChangedBase(on); });
+    m_menuActions.insert(QStringLiteral("OnlyChangedBase"), changed);
 }
 
 // Export, export all and delete need a file; reverting needs a saved, changed document.

@@ -42,6 +42,8 @@ public:
     const SpellHighlighter *highlighter() const { return m_highlighter; }
 
     QLineEdit *basewordField() const { return m_basewordField; }
+    // The previous release's base word, shown only for entries whose base text changed.
+    QLineEdit *previousBaseField() const { return m_previousBaseField; }
     QPlainTextEdit *entryField() const { return m_entryField; }
     QCheckBox *checkBox() const { return m_checkBox; }
     QPushButton *finishButton() const { return m_finishButton; }
@@ -66,6 +68,8 @@ private:
     SpellChecker m_spellChecker;
     QString m_spellLanguageName;
     QLineEdit *m_basewordField;
+    QLineEdit *m_previousBaseField;
+    class QLabel *m_previousBaseLabel;
     QPlainTextEdit *m_entryField;
     QCheckBox *m_checkBox;
     QPushButton *m_finishButton;

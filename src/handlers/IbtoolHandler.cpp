@@ -1,9 +1,11 @@
 #include "IbtoolHandler.h"
 
 #include "Handlers.h"
+#include "IbtoolBaseTables.h"
 #include "InterfaceTool.h"
 #include "LocFile.h"
 #include "StringsTable.h"
+#include "WholeTableReader.h"
 
 #include <QDir>
 #include <QFile>
@@ -77,7 +79,15 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
 
     QString previousTable;
     OptString previousText;
-    if (previousPath && !previousPath->isEmpty()) {
+    std::optional<StringMap> previousPairs;
+    if (isTablePath(previousPath)) {
+        // Base internationalization: the previous release localized this file by its table.
+        previousPairs = readWholeTable(file, previousPath, TableRole::Previous);
+        if (QFileInfo::exists(*previousPath)) rememberPreviousForm(file, tableFormOfFile(*previousPath));
+    } else if (previousPath && !previousPath->isEmpty()) {
+        // Asked to pair with a localized interface file (found or not): the older layout, whose
+        // export writes one too.
+        rememberPreviousForm(file, TableForm::InterfaceFile);
         QString previousFailure;
         previousTable = ibtoolMakePListFromNib(*previousPath, &previousFailure);
         previousText = stringFromUTF16DataFilePath(previousTable);
@@ -90,7 +100,8 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
 
     const OptString baseText = stringFromUTF16DataFilePath(baseTable);
     if (baseText) {
-        ibtoolParseEntries(file, *baseText, previousText, dictionaryPath);
+        if (previousPairs) ibtoolParseEntries(file, *baseText, *previousPairs, dictionaryPath);
+        else ibtoolParseEntries(file, *baseText, previousText, dictionaryPath);
         for (const QString &w : std::as_const(toolWarnings)) file.addWarning(w);
     } else {
         if (failure.isEmpty()) failure = QStringLiteral("The interface tool wrote no string table.");
@@ -100,8 +111,12 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
     removeFile(previousTable);
 }
 
-void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &previousEntries,
-                        const OptString &dictionaryPath)
+namespace {
+
+// The entries of the tool's table, each given its previous word by `previousWord` (which tells
+// whether a word found there counts as the translator's decision) or else the dictionary's.
+template <typename Lookup>
+void parseBlocks(LocFile &file, const QString &entries, Lookup previousWord, const OptString &dictionaryPath)
 {
     std::optional<StringMap> dictionary;
     if (dictionaryPath && !dictionaryPath->isEmpty()) dictionary = dictionaryWithContentsOfFile(*dictionaryPath);
@@ -121,9 +136,11 @@ void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &
         if (piece.isEmpty()) continue;
 
         const LocEntryPtr entry = LocEntry::initWithEntry(QStringLiteral("/*") + piece + QStringLiteral("\";"));
-        const OptString previous = stringForObjectID(entry->objectID(), entry->wordType(), previousEntries);
+        bool decided = false;
+        const OptString previous = previousWord(*entry, &decided);
         if (previous) {
             entry->setLocalizedWord(previous);
+            if (decided) entry->setCheck(true);
         } else if (map) {
             const OptString base = entry->baseWord();
             if (const QString *word = base ? map->find(*base) : nullptr) entry->setLocalizedWord(*word);
@@ -135,6 +152,36 @@ void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &
     file.searchEntryWithKey(std::nullopt);
 }
 
+}  // namespace
+
+void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &previousEntries,
+                        const OptString &dictionaryPath)
+{
+    parseBlocks(
+        file, entries,
+        [&previousEntries](const LocEntry &entry, bool *) {
+            return stringForObjectID(entry.objectID(), entry.wordType(), previousEntries);
+        },
+        dictionaryPath);
+}
+
+void ibtoolParseEntries(LocFile &file, const QString &entries, const StringMap &previousTable,
+                        const OptString &dictionaryPath)
+{
+    parseBlocks(
+        file, entries,
+        [&previousTable](const LocEntry &entry, bool *decided) -> OptString {
+            const OptString key = entry.keyWord();
+            const QString *word = key ? previousTable.find(*key) : nullptr;
+            if (!word || word->isEmpty()) return std::nullopt;
+            // The previous release's table names this key: its word, even where it equals the
+            // base word, is what that release shipped, so the entry starts checked.
+            *decided = true;
+            return *word;
+        },
+        dictionaryPath);
+}
+
 OptString stringForObjectID(const OptString &objectID, const OptString &wordType, const OptString &previousEntries)
 {
     if (!previousEntries || !objectID || !wordType) return std::nullopt;
@@ -142,23 +189,32 @@ OptString stringForObjectID(const OptString &objectID, const OptString &wordType
     return substringFrom(*previousEntries, key, QStringLiteral("\";\n"));
 }
 
-OptString ibtoolMakeStringsFile(LocFile &file, StringMap &pairs)
+void collectPairs(const LocFile &file, StringMap &pairs)
 {
     for (const LocEntryPtr &entry : file.allEntries()) {
         const OptString base = entry->baseWord();
         const OptString localized = entry->localizedWord();
         if (wordLength(base) > 0 && wordLength(localized) > 0) pairs.insert(*base, *localized);
     }
+}
+
+OptString ibtoolMakeStringsFile(LocFile &file, StringMap &pairs)
+{
+    collectPairs(file, pairs);
     return InterfaceTool::writeMergeTable(file);
 }
 
 StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
 {
     const QFileInfo base(file.path());
-    const QString ext = base.suffix();
-    if (ext != QLatin1String("nib") && ext != QLatin1String("xib")) return StringMap();
+    if (!isInterfaceExtension(file.path())) return StringMap();
 
     StringMap pairs;
+    if (exportsAsTable(file)) {
+        collectPairs(file, pairs);
+        writeLocalizedTable(file, folder);
+        return pairs;
+    }
     const OptString table = ibtoolMakeStringsFile(file, pairs);
     // Absolute, because the tool runs in the interface file's folder, not in ours.
     const QString output = QDir(folder).absoluteFilePath(base.fileName());
