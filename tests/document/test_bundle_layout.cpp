@@ -36,6 +36,13 @@ public:
     }
 };
 
+QStringList strings(std::initializer_list<const char *> list)
+{
+    QStringList out;
+    for (const char *s : list) out.append(QString::fromUtf8(s));
+    return out;
+}
+
 QStringList split(const QString &list)
 {
     return list.split(u',', Qt::SkipEmptyParts);
@@ -49,9 +56,9 @@ class TestBundleLayout : public QObject {
     std::shared_ptr<FakeStringsHandler> m_fake;
     ScriptedDialogs m_dialogs;
     QString path(const QString &relative) const { return m_dir->filePath(relative); }
-    void files(const QString &under, const QStringList &names, const QByteArray &bytes = "\"k\" = \"v\";\n")
+    void files(const QString &under, std::initializer_list<const char *> names, const QByteArray &bytes = "\"k\" = \"v\";\n")
     {
-        for (const QString &name : names) TestSupport::writeFile(path(under + u'/' + name), bytes);
+        for (const QString &name : strings(names)) TestSupport::writeFile(path(under + u'/' + name), bytes);
     }
 
 private slots:
@@ -108,24 +115,24 @@ private slots:
         QTest::addColumn<QString>("resources");  // where the layout keeps its language folders
         QTest::addColumn<QString>("from");
         QTest::addColumn<QStringList>("expected");  // path | previous | previous base, under the resources
-        const QStringList modern{
+        const QStringList modern = strings({
             "Base.lproj/Local.strings|fr.lproj/Local.strings|",
             "Base.lproj/Main.xib|fr.lproj/Main.strings|Base.lproj/Main.xib",
             "Base.lproj/Plural.stringsdict|fr.lproj/Plural.stringsdict|",
             "Base.lproj/Sheet.storyboard|fr.lproj/Sheet.strings|en.lproj/Sheet.strings",
             "Base.lproj/Window.xib|fr.lproj/Window.xib|",
             "en.lproj/InfoPlist.strings|fr.lproj/InfoPlist.strings|",
-            "en.lproj/Localizable.strings|fr.lproj/Localizable.strings|en.lproj/Localizable.strings"};
+            "en.lproj/Localizable.strings|fr.lproj/Localizable.strings|en.lproj/Localizable.strings"});
         QTest::newRow("application") << "Foo.app/Contents/Resources" << "en" << modern;
         QTest::newRow("framework") << "Foo.framework/Resources" << "en" << modern;
         QTest::newRow("framework, versioned") << "Foo.framework/Versions/Current/Resources" << "en" << modern;
         QTest::newRow("Base as the base language, as before")
             << "Foo.app/Contents/Resources" << "Base"
-            << QStringList{"Base.lproj/Local.strings|fr.lproj/Local.strings|",
+            << strings({"Base.lproj/Local.strings|fr.lproj/Local.strings|",
                            "Base.lproj/Main.xib|fr.lproj/Main.xib|",
                            "Base.lproj/Plural.stringsdict|fr.lproj/Plural.stringsdict|",
                            "Base.lproj/Sheet.storyboard|fr.lproj/Sheet.storyboard|",
-                           "Base.lproj/Window.xib|fr.lproj/Window.xib|"};
+                           "Base.lproj/Window.xib|fr.lproj/Window.xib|"});
     }
     void bundleFiles()
     {
@@ -177,7 +184,7 @@ private slots:
                         + e->previousBaseWord().value_or(QString());
         // Unchanged: the old word, checked; changed: the old word kept, unchecked, the old base
         // beside it; new: nothing from the previous release.
-        QCOMPARE(seen, (QStringList{"a=Ouvrir+", "b=Fermer-Close", "c=New-"}));
+        QCOMPARE(seen, strings({"a=Ouvrir+", "b=Fermer-Close", "c=New-"}));
         QCOMPARE(doc.changedBaseCount(), 1);
         doc.setShowOnlyChangedBase(true);
         QCOMPARE(doc.files().first()->entries().size(), 1);

@@ -47,7 +47,8 @@ QByteArray encoded(const QString &form, const QString &text)
     }
     if (form == QLatin1String("binary")) {
         plist::Dictionary dict;
-        for (const auto &[k, v] : *StringsTable::parse(text)) dict.append({k, plist::Value::fromString(v)});
+        const std::optional<StringMap> pairs = StringsTable::parse(text);
+        for (const auto &[k, v] : *pairs) dict.append({k, plist::Value::fromString(v)});
         return plist::toBinary(plist::Value::fromDictionary(dict));
     }
     return text.toUtf8();
