@@ -5,6 +5,7 @@
 #include "BundleLayout.h"
 #include "Dialogs.h"
 #include "LocalizedText.h"
+#include "PreparingHandler.h"
 #include "VXControllerModel.h"
 
 #include <QDir>
@@ -59,6 +60,17 @@ OptString readUtf8File(const QString &path)
     return text;
 }
 
+// Tells each handler which of its files are about to be read (see PreparingHandler).
+void prepareReading(const QList<MyDocument::BundleFile> &list)
+{
+    QHash<HandlerKind, QStringList> byKind;
+    for (const MyDocument::BundleFile &item : list)
+        for (const QString &p : {item.path, item.previousBase})
+            if (const auto kind = p.isEmpty() ? std::nullopt : HandlerRegistry::kindForPath(p)) byKind[*kind].append(p);
+    for (auto it = byKind.cbegin(); it != byKind.cend(); ++it)
+        if (auto *handler = dynamic_cast<PreparingHandler *>(HandlerRegistry::handler(it.key()))) handler->prepare(it.value());
+}
+
 }  // namespace
 
 void MyDocument::addNewFile()
@@ -100,6 +112,7 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
         const OptString previous = given ? *given : selectPreviousVersionFile(path);
         if (isBundlePath(path, bundles)) {
             const QList<BundleFile> list = bundleFiles(path, previous);
+            prepareReading(list);
             for (qsizetype i = 0; i < list.size(); ++i) {
                 const BundleFile &item = list.at(i);
                 if (LocFilePtr f = addFile(item.path, orNone(item.previous))) {

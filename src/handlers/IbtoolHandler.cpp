@@ -4,6 +4,7 @@
 #include "IbtoolBaseTables.h"
 #include "InterfaceTool.h"
 #include "LocFile.h"
+#include "PreparingHandler.h"
 #include "StringsTable.h"
 #include "WholeTableReader.h"
 
@@ -11,7 +12,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QDateTime>
+#include <QHash>
+#include <QProcess>
 #include <QSaveFile>
+#include <QThread>
+#include <deque>
 
 Q_LOGGING_CATEGORY(lcIbtool, "vocabrix.ibtool", QtWarningMsg)
 
@@ -53,6 +59,30 @@ void removeFile(const QString &path)
     if (!path.isEmpty()) QFile::remove(path);
 }
 
+// Tables made ahead by ibtoolPrepareTables, taken once by the reading of their file. An entry
+// counts only while the interface file is unchanged since its table was made.
+struct PreparedTable {
+    QDateTime modified;
+    qint64 size = 0;
+    QString text;
+};
+QHash<QString, PreparedTable> &preparedTables()
+{
+    static QHash<QString, PreparedTable> tables;
+    return tables;
+}
+
+OptString takePreparedTable(const QString &path)
+{
+    const auto it = preparedTables().constFind(path);
+    if (it == preparedTables().cend()) return std::nullopt;
+    const PreparedTable table = *it;
+    preparedTables().erase(it);
+    const QFileInfo info(path);
+    if (info.lastModified() != table.modified || info.size() != table.size) return std::nullopt;
+    return table.text;
+}
+
 // Whatever stands at `path`, a file or a whole nib folder.
 void removeAnything(const QString &path)
 {
@@ -71,11 +101,62 @@ QString ibtoolMakePListFromNib(const QString &path, QString *failure, QStringLis
     return QDir(folderOf(path)).filePath(table);
 }
 
+void ibtoolPrepareTables(const QStringList &paths)
+{
+    preparedTables().clear();
+    const QString program = InterfaceTool::find(InterfaceTool::Kind::Ibtool);
+    if (program.isEmpty() || paths.size() < 2) return;
+    struct Run {
+        QString path, table;
+        std::unique_ptr<QProcess> process;
+    };
+    // A few runs side by side: each run is mostly the tool's start-up, which one core at a time
+    // would wait for in turn.
+    const int width = qBound(2, QThread::idealThreadCount(), 8);
+    std::deque<Run> running;
+    const auto finishOldest = [&running] {
+        Run run = std::move(running.front());
+        running.pop_front();
+        const bool ended = run.process->waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
+        if (!ended) {
+            run.process->kill();
+            run.process->waitForFinished(5'000);
+        }
+        if (ended && run.process->exitStatus() == QProcess::NormalExit && run.process->exitCode() == 0) {
+            // Tool warnings are not kept: a file whose run says anything is read again the usual way.
+            if (run.process->readAllStandardError().trimmed().isEmpty())
+                if (const OptString text = stringFromUTF16DataFilePath(run.table)) {
+                    const QFileInfo info(run.path);
+                    preparedTables().insert(run.path, {info.lastModified(), info.size(), *text});
+                }
+        }
+        removeFile(run.table);
+    };
+    for (const QString &path : paths) {
+        if (!QFileInfo::exists(path)) continue;
+        if (qsizetype(running.size()) >= width) finishOldest();
+        Run run;
+        run.path = path;
+        const QString tableName = stemOf(path) + QStringLiteral("__prepared.strings");
+        run.table = QDir(folderOf(path)).filePath(tableName);
+        run.process = std::make_unique<QProcess>();
+        run.process->setProgram(program);
+        run.process->setArguments({QStringLiteral("--generate-stringsfile"), tableName, QFileInfo(path).fileName()});
+        run.process->setWorkingDirectory(folderOf(path));
+        run.process->setStandardInputFile(QProcess::nullDevice());
+        run.process->setStandardOutputFile(QProcess::nullDevice());
+        run.process->start(QIODevice::ReadOnly);
+        running.push_back(std::move(run));
+    }
+    while (!running.empty()) finishOldest();
+}
+
 void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictionaryPath, const OptString &previousPath)
 {
     QString failure;
     QStringList toolWarnings;
-    const QString baseTable = ibtoolMakePListFromNib(file.path(), &failure, &toolWarnings);
+    const OptString prepared = takePreparedTable(file.path());
+    const QString baseTable = prepared ? QString() : ibtoolMakePListFromNib(file.path(), &failure, &toolWarnings);
 
     QString previousTable;
     OptString previousText;
@@ -98,7 +179,7 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
                                 .trimmed());
     }
 
-    const OptString baseText = stringFromUTF16DataFilePath(baseTable);
+    const OptString baseText = prepared ? prepared : stringFromUTF16DataFilePath(baseTable);
     if (baseText) {
         if (previousPairs) ibtoolParseEntries(file, *baseText, *previousPairs, dictionaryPath);
         else ibtoolParseEntries(file, *baseText, previousText, dictionaryPath);
@@ -243,7 +324,7 @@ StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
 
 namespace {
 
-class IbtoolHandler : public ResourceHandler {
+class IbtoolHandler : public ResourceHandler, public PreparingHandler {
 public:
     void extract(LocFile &file, const OptString &dictionaryPath, const OptString &previousPath) override
     {
@@ -253,6 +334,7 @@ public:
     {
         return ibtoolHandle::ibtoolMakeLocalizedNibFileAt(file, folder);
     }
+    void prepare(const QStringList &paths) override { ibtoolHandle::ibtoolPrepareTables(paths); }
 };
 
 }  // namespace

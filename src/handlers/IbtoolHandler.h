@@ -24,6 +24,10 @@ StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder);
 // Runs the tool on one interface file and returns the path of the table it was asked to write
 // (which may not exist when the tool failed). `failure` gets the reason of a failed run.
 QString ibtoolMakePListFromNib(const QString &path, QString *failure = nullptr, QStringList *toolWarnings = nullptr);
+// Runs the tool on several interface files side by side and keeps their tables in memory, each
+// taken by the next reading of its file (as long as the file is unchanged); a run that fails or
+// warns keeps nothing, and that file is read the usual way.
+void ibtoolPrepareTables(const QStringList &paths);
 // Fills the file's entries from the tool's table text, the previous version's table text (if
 // any) and the dictionary file (if any).
 void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &previousEntries,
