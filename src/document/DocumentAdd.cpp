@@ -221,7 +221,11 @@ QList<MyDocument::BundleFile> MyDocument::bundleFiles(const QString &bundlePath,
                         break;
                     }
             }
-            list.append({base + u'/' + name, prev, firstExisting({inFolder(previousBase, name), inFolder(previousBaseFolder, table)})});
+            // The previous release's own base: its Base.lproj file, its English table, or (before it
+            // moved to Base.lproj) its English interface file.
+            const QString previousBaseFile = firstExisting(
+                {inFolder(previousBase, name), inFolder(previousBaseFolder, table), inFolder(previousBaseFolder, name)});
+            list.append({base + u'/' + name, prev, previousBaseFile});
         } else if (!ownNames.contains(name)) {
             // The base language's own copy of a table wins over the one in Base.lproj.
             list.append({base + u'/' + name, previousOf(name),
