@@ -5,8 +5,8 @@
 // may be that table, and export writes the table: the tool's table of the base file, each value
 // replaced by the entry's localized word. Its form follows the previous release's table (UTF-8
 // without a byte-order mark when there was none, UTF-16 or a binary property list when the
-// previous release shipped one); a previous release that held a localized interface file instead
-// keeps the interface file export.
+// previous release shipped one). A file whose previous version was given as a localized interface
+// file (the older layout, or a previous release that shipped one) keeps the interface-file export.
 
 #include "StringMap.h"
 #include "StringUtility.h"
