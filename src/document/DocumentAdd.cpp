@@ -5,6 +5,7 @@
 #include "BundleLayout.h"
 #include "Dialogs.h"
 #include "LocalizedText.h"
+#include "NotificationCenter.h"
 #include "PreparingHandler.h"
 #include "VXControllerModel.h"
 
@@ -290,10 +291,17 @@ void MyDocument::markChangedBaseWords(LocFile &file, const QString &previousBase
 LocFilePtr MyDocument::addFile(const QString &path, const OptString &previousPath)
 {
     const QString dictionary = dictionaryPath();
+    // The older tool's entries arrive later, announced when its listing has ended; a reading that
+    // ended before the file was handed back is not waited for.
+    const auto kind = HandlerRegistry::kindForPath(path);
+    const bool late = kind == HandlerKind::Nibtool && HandlerRegistry::handler(*kind);
+    QSet<const LocFile *> endedAtOnce;
+    const QMetaObject::Connection watch = connect(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile,
+                                                  this, [&endedAtOnce](LocFile *f) { endedAtOnce.insert(f); });
     LocFilePtr file = LocFile::initWithPath(path, orNone(dictionary), previousPath);
+    disconnect(watch);
     if (!file) return nullptr;
-    // The older tool's entries arrive later, announced when its listing has ended.
-    if (HandlerRegistry::kindForPath(path) == HandlerKind::Nibtool) m_reading.insert(file.get());
+    if (late && !endedAtOnce.contains(file.get())) m_reading.insert(file.get());
     if (!file->initError().isEmpty()) {
         Alert alert;
         alert.title = localizedString(QStringLiteral("Error has occured while reading nib file"));
