@@ -80,6 +80,13 @@ QString localizedTableText(const LocFile &file)
 bool writeLocalizedTable(LocFile &file, const QString &folder)
 {
     const QString output = QDir(folder).absoluteFilePath(QFileInfo(file.path()).completeBaseName() + QStringLiteral(".strings"));
+    if (!file.initError().isEmpty()) {
+        // An interface file that could not be read has no entries: its table would erase the
+        // translations of one already there.
+        file.addWarning(QStringLiteral("The localized table \"%1\" was not written: the interface file could not be read.")
+                            .arg(output));
+        return false;
+    }
     const QString text = localizedTableText(file);
     QByteArray bytes;
     switch (previousForm(file)) {

@@ -174,6 +174,18 @@ private slots:
         }
     }
 
+    void unreadableInterfaceFileWritesNoTable()
+    {
+        const QString dir = folder();
+        const QString base = TestSupport::writeFile(dir + QLatin1String("/Base.lproj/Broken.xib"), "<document version=\"3.0\"><objects>");
+        const QString out = TestSupport::writeFile(dir + QLatin1String("/fr.lproj/Broken.strings"), "\"1.title\" = \"Garde\";\n");
+        const LocFilePtr file = LocFile::initWithPath(base, std::nullopt, out);
+        QVERIFY(!file->initError().isEmpty());
+        file->makeLocalizedFileAt(dir + QLatin1String("/fr.lproj"));
+        QCOMPARE(TestSupport::readFile(out), QByteArray("\"1.title\" = \"Garde\";\n"));
+        QVERIFY(file->warnings().last().contains(QLatin1String("not written")));
+    }
+
     void stringsdictEntriesAndExport_data()
     {
         QTest::addColumn<QByteArray>("previous");
