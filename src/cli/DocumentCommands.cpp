@@ -81,8 +81,11 @@ int runEntries(const MyDocument &doc, const QStringList &args, QTextStream &out,
     return 0;
 }
 
-int runAdd(MyDocument &doc, const QString &path, const QStringList &args, QTextStream &out, QTextStream &err)
+int runAdd(MyDocument &doc, const QString &path, QStringList args, QTextStream &out, QTextStream &err)
 {
+    bool bad = false;
+    if (const auto lproj = takeOption(args, QStringLiteral("--lproj"), err, &bad)) doc.setTargetFolderChoice(*lproj);
+    if (bad) return usage(err);
     const auto paths = pathsWithPrevious(args, err);
     if (!paths || paths->isEmpty()) return usage(err);
     const QList<LocFilePtr> added = doc.addFiles(*paths);
@@ -193,7 +196,7 @@ CommandRegistration reg({QStringLiteral("doc"), QStringLiteral("doc SUBCOMMAND D
         "  doc status DOC          title, languages, dictionary path, counts of files and entries\n"
         "  doc files DOC           one line per file: path, status checked/all, colour\n"
         "  doc entries DOC [FILE...]  one line per entry: key, base and localized word, check mark\n"
-        "  doc add DOC PATH [--previous PREV] [PATH [--previous PREV]]...\n"
+        "  doc add DOC PATH [--previous PREV] [PATH [--previous PREV]]... [--lproj NAME]\n"
         "      add string tables, property lists, interface files or whole bundles (.app and other\n"
         "      bundle types: the files of <base>.lproj, and of Base.lproj where there is one).\n"
         "      PREV is the previous localized release of the PATH before it (a file, or for a\n"

@@ -171,6 +171,27 @@ private slots:
             for (const LocEntryPtr &e : f->allEntries())
                 QCOMPARE(map->value(unescaped(e->keyWord())), unescaped(e->localizedWord()));
         }
+
+        // The command line does the same job and prints the changed base words.
+        const QString cliOut = work + QLatin1String("CliOut.app"), saved = work + QLatin1String("Job.vocabrix");
+        QVERIFY(copyTree(bundle, cliOut, u'/' + targetFolder));
+        const auto cli = [&](const QStringList &args) {
+            QProcess p;
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert(QStringLiteral("XDG_DATA_HOME"), work + QLatin1String("cli-data"));
+            p.setProcessEnvironment(env);
+            p.start(QStringLiteral(VOCABRIX_CLI), QStringList{QStringLiteral("--settings"), work + QLatin1String("s.ini")} + args);
+            return p.waitForFinished(300000) && p.exitCode() == 0 ? p.readAllStandardOutput() : QByteArray();
+        };
+        QVERIFY(!cli({QStringLiteral("job"), QStringLiteral("--from"), QStringLiteral("en"), QStringLiteral("--to"), to,
+                      QStringLiteral("--add"), bundle, QStringLiteral("--previous"), old, QStringLiteral("--export-to"),
+                      cliOut, QStringLiteral("--save"), saved})
+                     .isEmpty());
+        int printed = 0;
+        for (const QByteArray &line : cli({QStringLiteral("doc"), QStringLiteral("entries"), saved}).split('\n'))
+            if (QJsonDocument::fromJson(line).object().contains(QStringLiteral("previousBase"))) ++printed;
+        QCOMPARE(printed, changed);
+        QVERIFY(QFileInfo::exists(cliOut + QLatin1String("/Contents/Resources/") + targetFolder + QLatin1String("/MainMenu.strings")));
     }
 
     void commandLineWaitsForTheOlderTool()
