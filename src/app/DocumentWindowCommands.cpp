@@ -162,6 +162,12 @@ void DocumentWindow::makeMenus()
     problems->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P));
     connect(problems, &QAction::toggled, m_entryModel, &EntryTableModel::setProblemsOnly);
     m_menuActions.insert(QStringLiteral("ProblemsOnly"), problems);
+    // Entries whose base text changed since the previous release: the ones to look at again.
+    QAction *changed = view->addAction(tr("Only Entries Whose &Base Changed"));
+    changed->setObjectName(QStringLiteral("onlyChangedBaseAction"));
+    changed->setCheckable(true);
+    connect(changed, &QAction::toggled, this, [this](bool on) { m_document->setShowOnlyChangedBase(on); });
+    m_menuActions.insert(QStringLiteral("OnlyChangedBase"), changed);
 }
 
 // Export, export all and delete need a file; reverting needs a saved, changed document.

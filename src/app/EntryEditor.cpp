@@ -24,6 +24,11 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     m_basewordField = new QLineEdit(this);
     m_basewordField->setObjectName(QStringLiteral("basewordField"));
     m_basewordField->setReadOnly(true);
+    m_previousBaseField = new QLineEdit(this);
+    m_previousBaseField->setObjectName(QStringLiteral("previousBaseField"));
+    m_previousBaseField->setReadOnly(true);
+    m_previousBaseField->setToolTip(tr("The base text of the previous release, which the old translation was made for"));
+    m_previousBaseLabel = new QLabel(tr("Previous base word:"), this);
     m_entryField = new QPlainTextEdit(this);
     m_entryField->setObjectName(QStringLiteral("entryField"));
     m_entryField->setTabChangesFocus(true);
@@ -57,6 +62,7 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     auto *form = new QFormLayout;
     form->addRow(tr("Base word:"), m_basewordField);
     form->addRow(m_commentCaption, m_commentLabel);
+    form->addRow(m_previousBaseLabel, m_previousBaseField);
     auto *buttons = new QHBoxLayout;
     buttons->addWidget(m_checkBox);
     buttons->addStretch();
@@ -98,6 +104,10 @@ void EntryEditor::setEntry(const LocEntryPtr &entry)
     m_entry = entry;
     m_loading = true;
     m_basewordField->setText(entry ? wordOrEmpty(entry->baseWord()) : QString());
+    const bool changedBase = entry && entry->previousBaseWord();
+    m_previousBaseField->setText(changedBase ? *entry->previousBaseWord() : QString());
+    m_previousBaseField->setVisible(changedBase);
+    m_previousBaseLabel->setVisible(changedBase);
     m_entryField->setPlainText(entry ? wordOrEmpty(entry->localizedWord()) : QString());
     const QString comment = entry ? entry->developerComment() : QString();
     m_commentLabel->setText(comment);

@@ -45,6 +45,8 @@ public:
 
     QLineEdit *basewordField() const { return m_basewordField; }
     QLabel *commentLabel() const { return m_commentLabel; }
+    // The previous release's base word, shown only for entries whose base text changed.
+    QLineEdit *previousBaseField() const { return m_previousBaseField; }
     QPlainTextEdit *entryField() const { return m_entryField; }
     QCheckBox *checkBox() const { return m_checkBox; }
     QPushButton *finishButton() const { return m_finishButton; }
@@ -73,6 +75,8 @@ private:
     QLineEdit *m_basewordField;
     QLabel *m_commentLabel;
     QLabel *m_commentCaption;
+    QLineEdit *m_previousBaseField;
+    class QLabel *m_previousBaseLabel;
     QPlainTextEdit *m_entryField;
     QCheckBox *m_checkBox;
     QPushButton *m_finishButton;

@@ -111,6 +111,8 @@ QJsonObject entryJson(const LocFilePtr &file, const LocEntryPtr &entry, qsizetyp
                   {QStringLiteral("localized"), word(entry->localizedWord())},
                   {QStringLiteral("checked"), entry->check() ? QJsonValue(*entry->check()) : QJsonValue(QJsonValue::Null)}};
     if (entry->isLeopardNibEntry()) o.insert(QStringLiteral("objectID"), word(entry->objectID()));
+    // The base text changed since the previous release: what the old translation was made for.
+    if (entry->previousBaseWord()) o.insert(QStringLiteral("previousBase"), *entry->previousBaseWord());
     return o;
 }
 

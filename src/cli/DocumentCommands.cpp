@@ -81,11 +81,15 @@ int runEntries(const MyDocument &doc, const QStringList &args, QTextStream &out,
     return 0;
 }
 
-int runAdd(MyDocument &doc, const QString &path, const QStringList &args, QTextStream &out, QTextStream &err)
+int runAdd(MyDocument &doc, const QString &path, QStringList args, QTextStream &out, QTextStream &err)
 {
+    bool bad = false;
+    if (const auto lproj = takeOption(args, QStringLiteral("--lproj"), err, &bad)) doc.setTargetFolderChoice(*lproj);
+    if (bad) return usage(err);
     const auto paths = pathsWithPrevious(args, err);
     if (!paths || paths->isEmpty()) return usage(err);
     const QList<LocFilePtr> added = doc.addFiles(*paths);
+    if (!doc.waitUntilFilesRead()) err << "vocabrix-cli: the interface tool did not finish reading every file\n";
     if (!save(doc, path, err)) return 1;
     const qsizetype first = doc.files().size() - added.size();
     for (qsizetype i = 0; i < added.size(); ++i) printLine(out, fileJson(added.at(i), first + i + 1));
@@ -139,6 +143,7 @@ int runExport(MyDocument &doc, QStringList args, QTextStream &out, QTextStream &
     bool bad = false;
     const auto destination = takeOption(args, QStringLiteral("--to"), err, &bad);
     const bool overwrite = takeFlag(args, QStringLiteral("--overwrite"));
+    if (const auto lproj = takeOption(args, QStringLiteral("--lproj"), err, &bad)) doc.setTargetFolderChoice(*lproj);
     QStringList names;
     while (auto f = takeOption(args, QStringLiteral("--file"), err, &bad)) names.append(*f);
     if (bad || !destination || !args.isEmpty()) return usage(err);
@@ -150,6 +155,7 @@ int runExport(MyDocument &doc, QStringList args, QTextStream &out, QTextStream &
     if (result.cancelled) {
         err << "vocabrix-cli: nothing exported: " << refusal;
         if (refusal.contains(QLatin1String("overwrite"))) err << " Add --overwrite to write into it.";
+        if (refusal.contains(QLatin1String("several folders"))) err << " Add --lproj NAME to choose.";
         err << "\n";
         return 1;
     }
@@ -190,20 +196,23 @@ CommandRegistration reg({QStringLiteral("doc"), QStringLiteral("doc SUBCOMMAND D
         "  doc status DOC          title, languages, dictionary path, counts of files and entries\n"
         "  doc files DOC           one line per file: path, status checked/all, colour\n"
         "  doc entries DOC [FILE...]  one line per entry: key, base and localized word, check mark\n"
-        "  doc add DOC PATH [--previous PREV] [PATH [--previous PREV]]...\n"
+        "  doc add DOC PATH [--previous PREV] [PATH [--previous PREV]]... [--lproj NAME]\n"
         "      add string tables, property lists, interface files or whole bundles (.app and other\n"
-        "      bundle types: the files of Contents/Resources/<base>.lproj). PREV is the previous\n"
-        "      localized release of the PATH before it (a file, or for a bundle the old bundle,\n"
-        "      whose <target>.lproj files are paired by name); its words and the dictionary of\n"
-        "      the language pair pre-fill the entries. The document is saved.\n"
+        "      bundle types: the files of <base>.lproj, and of Base.lproj where there is one).\n"
+        "      PREV is the previous localized release of the PATH before it (a file, or for a\n"
+        "      bundle the old bundle, whose <target>.lproj files are paired by name; a Base.lproj\n"
+        "      interface file X pairs with <target>.lproj/X.strings); its words and the\n"
+        "      dictionary of the language pair pre-fill the entries. The document is saved.\n"
         "  doc set DOC FILE N [--word TEXT] [--check|--uncheck]\n"
         "      set entry N (from 1) of FILE: its localized word and/or its check mark; saved\n"
         "  doc remove DOC FILE...  take files out of the document (nothing on disk changes)\n"
-        "  doc export DOC --to FOLDER|BUNDLE [--file FILE]... [--overwrite]\n"
+        "  doc export DOC --to FOLDER|BUNDLE [--file FILE]... [--overwrite] [--lproj NAME]\n"
         "      write the localized files (all, or the --file ones in that order) into FOLDER\n"
-        "      (made when missing), or into BUNDLE/Contents/Resources/<target>.lproj (found by\n"
-        "      key or abbreviation, made when missing; an existing one is written into only with\n"
-        "      --overwrite), then merge the pairs into the language pair's dictionary, in\n"
+        "      (made when missing), or into the bundle's <target>.lproj (found by key,\n"
+        "      abbreviation or language part, or named by --lproj; made in the bundle's style when\n"
+        "      missing; an existing one is written into only with --overwrite); Base.lproj\n"
+        "      interface files are written as <target>.lproj/X.strings. Then merge the pairs\n"
+        "      into the language pair's dictionary, in\n"
         "      $XDG_DATA_HOME/Vocabrix (default ~/.local/share/Vocabrix), as the application does.\n"
         "Exit status: 0 done, 1 failed (reason on standard error), 2 wrong arguments."),
     runDoc});

@@ -11,7 +11,7 @@ using namespace DocumentCli;
 namespace {
 
 struct JobOptions {
-    std::optional<QString> doc, from, to, title, exportTo, save;
+    std::optional<QString> doc, from, to, title, exportTo, save, lproj;
     QList<QPair<QString, OptString>> add;
     QStringList files;
     bool overwrite = false;
@@ -42,6 +42,7 @@ std::optional<JobOptions> parse(const QStringList &args, QTextStream &err)
         else if (a == QLatin1String("--title")) o.title = v;
         else if (a == QLatin1String("--export-to")) o.exportTo = absolute;
         else if (a == QLatin1String("--save")) o.save = absolute;
+        else if (a == QLatin1String("--lproj")) o.lproj = v;
         else if (a == QLatin1String("--file")) o.files.append(*v);
         else if (a == QLatin1String("--add")) o.add.append({absolute, std::nullopt});
         else if (a == QLatin1String("--previous") && !o.add.isEmpty() && !o.add.last().second) o.add.last().second = absolute;
@@ -72,16 +73,19 @@ int runJob(const QStringList &args, QTextStream &out, QTextStream &err)
         option == QLatin1String("--from") ? doc->setLocLangFrom(*tag) : doc->setLocLangTo(*tag);
     }
     if (o->title) doc->setTitle(*o->title);
+    if (o->lproj) doc->setTargetFolderChoice(*o->lproj);
 
     int status = 0;
     if (!o->add.isEmpty()) {
         const QList<LocFilePtr> added = doc->addFiles(o->add);
+        // The older interface tool lists in the background: its entries first, then the rest.
+        if (!doc->waitUntilFilesRead()) err << "vocabrix-cli: the interface tool did not finish reading every file\n";
         const qsizetype first = doc->files().size() - added.size();
         for (qsizetype i = 0; i < added.size(); ++i) printLine(out, fileJson(added.at(i), first + i + 1));
         if (added.isEmpty()) {
             err << "vocabrix-cli: nothing was added (for a bundle: no "
                 << doc->baseFolderName().value_or(QStringLiteral("base language")) << " or "
-                << doc->baseLanguageAbbreviation().value_or(QString()) << ".lproj folder in Contents/Resources)\n";
+                << doc->baseLanguageAbbreviation().value_or(QString()) << ".lproj or Base.lproj folder among its resources)\n";
             status = 1;
         }
     }
@@ -93,6 +97,7 @@ int runJob(const QStringList &args, QTextStream &out, QTextStream &err)
         if (result.cancelled) {
             err << "vocabrix-cli: nothing exported: " << refusal;
             if (refusal.contains(QLatin1String("overwrite"))) err << " Add --overwrite to write into it.";
+            if (refusal.contains(QLatin1String("several folders"))) err << " Add --lproj NAME to choose.";
             err << "\n";
             status = 1;
         } else {
@@ -119,6 +124,8 @@ CommandRegistration reg({QStringLiteral("job"),
         "  --export-to DEST     a folder, or a bundle whose <target>.lproj folder receives the files\n"
         "  --file FILE          export only this file (repeatable; position, name or path)\n"
         "  --overwrite          write into a bundle's existing target-language folder\n"
+        "  --lproj NAME         the target-language folder to use (previous release and export)\n"
+        "                       where a bundle has several for the language (pt_BR.lproj, pt_PT.lproj)\n"
         "  --save DOC           save the document there\n"
         "Prints one JSON line per added file, then one for the export (folder, files written and\n"
         "failed, dictionary path and pair counts). The pairs go into the language pair's dictionary\n"

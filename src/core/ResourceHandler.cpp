@@ -27,10 +27,11 @@ ResourceHandler *handler(HandlerKind kind)
 std::optional<HandlerKind> kindForPath(const QString &path)
 {
     const QString ext = QFileInfo(path).suffix();
-    if (ext == QLatin1String("nib") || ext == QLatin1String("xib"))
+    if (ext == QLatin1String("nib") || ext == QLatin1String("xib") || ext == QLatin1String("storyboard"))
         return usesIbtool() ? HandlerKind::Ibtool : HandlerKind::Nibtool;
     if (ext == QLatin1String("strings")) return HandlerKind::Strings;
     if (ext == QLatin1String("plist")) return HandlerKind::Plist;
+    if (ext == QLatin1String("stringsdict")) return HandlerKind::Stringsdict;
     return std::nullopt;
 }
 }  // namespace HandlerRegistry

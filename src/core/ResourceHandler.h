@@ -12,7 +12,7 @@
 
 class LocFile;
 
-enum class HandlerKind { Strings, Plist, Nibtool, Ibtool };
+enum class HandlerKind { Strings, Plist, Nibtool, Ibtool, Stringsdict };
 
 class ResourceHandler {
 public:
@@ -29,6 +29,6 @@ namespace HandlerRegistry {
 void registerHandler(HandlerKind kind, std::shared_ptr<ResourceHandler> handler);
 ResourceHandler *handler(HandlerKind kind);
 // The kind for a path's extension (exact, case-sensitive), or none for other files. Interface
-// files go to the newer or the older tool by the system version.
+// files (nib, xib, storyboard) go to the newer or the older tool by the system version.
 std::optional<HandlerKind> kindForPath(const QString &path);
 }  // namespace HandlerRegistry

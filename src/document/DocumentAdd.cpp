@@ -2,23 +2,39 @@
 // from two string tables.
 #include "MyDocument.h"
 
+#include "BundleLayout.h"
 #include "Dialogs.h"
 #include "LocalizedText.h"
+#include "NotificationCenter.h"
+#include "PreparingHandler.h"
 #include "VXControllerModel.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
+#include <QSet>
 #include <QStringDecoder>
 
 namespace {
 
-const QStringList resourceExtensions{QStringLiteral("nib"), QStringLiteral("xib"), QStringLiteral("strings"),
-                                     QStringLiteral("plist")};
-
 QString languageFolder(const QString &bundle, const QString &name)
 {
     return QStringLiteral("%1/Contents/Resources/%2.lproj").arg(bundle, name);
+}
+
+// Every kind of resource file a handler serves.
+const QStringList &acceptedResourceExtensions()
+{
+    static const QStringList list{QStringLiteral("nib"),   QStringLiteral("xib"),        QStringLiteral("strings"),
+                                  QStringLiteral("plist"), QStringLiteral("storyboard"), QStringLiteral("stringsdict")};
+    return list;
+}
+
+// A file in a folder; empty when there is no folder.
+QString inFolder(const QString &folder, const QString &name)
+{
+    return folder.isEmpty() ? QString() : folder + u'/' + name;
 }
 
 OptString orNone(const QString &path)
@@ -43,6 +59,17 @@ OptString readUtf8File(const QString &path)
     QString text = decoder.decode(file.readAll());
     if (decoder.hasError()) return std::nullopt;
     return text;
+}
+
+// Tells each handler which of its files are about to be read (see PreparingHandler).
+void prepareReading(const QList<MyDocument::BundleFile> &list)
+{
+    QHash<HandlerKind, QStringList> byKind;
+    for (const MyDocument::BundleFile &item : list)
+        for (const QString &p : {item.path, item.previousBase})
+            if (const auto kind = p.isEmpty() ? std::nullopt : HandlerRegistry::kindForPath(p)) byKind[*kind].append(p);
+    for (auto it = byKind.cbegin(); it != byKind.cend(); ++it)
+        if (auto *handler = dynamic_cast<PreparingHandler *>(HandlerRegistry::handler(it.key()))) handler->prepare(it.value());
 }
 
 }  // namespace
@@ -85,9 +112,14 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
         // Asked for every path, bundle or not, before anything of it is read.
         const OptString previous = given ? *given : selectPreviousVersionFile(path);
         if (isBundlePath(path, bundles)) {
-            const QList<QPair<QString, QString>> list = bundleFilesWithPrevious(path, previous);
+            const QList<BundleFile> list = bundleFiles(path, previous);
+            prepareReading(list);
             for (qsizetype i = 0; i < list.size(); ++i) {
-                if (LocFilePtr f = addFile(list.at(i).first, orNone(list.at(i).second))) added.append(f);
+                const BundleFile &item = list.at(i);
+                if (LocFilePtr f = addFile(item.path, orNone(item.previous))) {
+                    if (!item.previousBase.isEmpty()) markChangedBaseWords(*f, item.previousBase);
+                    added.append(f);
+                }
                 emit progress(int(i + 1), int(list.size()));
             }
         } else if (LocFilePtr f = addFile(path, previous)) {
@@ -102,43 +134,174 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
     return added;
 }
 
-QList<QPair<QString, QString>> MyDocument::bundleFilesWithPrevious(const QString &bundlePath,
-                                                                  const OptString &previous) const
+QList<QPair<QString, QString>> MyDocument::bundleFilesWithPrevious(const QString &bundlePath, const OptString &previous)
 {
     QList<QPair<QString, QString>> list;
-    const OptString baseKey = baseLanguageKey();
-    const OptString baseAbbreviation = baseLanguageAbbreviation();
+    for (const BundleFile &item : bundleFiles(bundlePath, previous)) list.append({item.path, item.previous});
+    return list;
+}
+
+OptString MyDocument::languageFolderIn(const QString &resources, bool target, bool *cancelled)
+{
+    if (cancelled) *cancelled = false;
+    const QString key = (target ? targetLanguageKey() : baseLanguageKey()).value_or(QString());
+    const QString abbreviation = (target ? targetLanguageAbbreviation() : baseLanguageAbbreviation()).value_or(QString());
+    if (target && !m_targetFolderChoice.isEmpty() && QFileInfo(resources + u'/' + m_targetFolderChoice).isDir())
+        return m_targetFolderChoice;
+    const QStringList candidates = BundleLayout::candidateFolders(resources, key, abbreviation);
+    if (candidates.isEmpty()) return std::nullopt;
+    if (candidates.size() == 1) return candidates.first();
+    // Several regional folders of one language (pt_BR and pt_PT for "pt"): only the user knows.
+    Alert alert;
+    alert.title = localizedString(QStringLiteral("Which language folder?"));
+    alert.message = localizedString(QStringLiteral("%1 has several folders for this language. Choose the one to use."))
+                        .arg(QDir::toNativeSeparators(resources));
+    alert.buttons = candidates;
+    alert.buttons.append(localizedString(QStringLiteral("Cancel")));
+    alert.style = AlertStyle::Informational;
+    const int answer = dialogs().runAlert(alert);
+    if (answer < 0 || answer >= candidates.size()) {
+        if (cancelled) *cancelled = true;
+        return std::nullopt;
+    }
+    if (target) m_targetFolderChoice = candidates.at(answer);
+    return candidates.at(answer);
+}
+
+QList<MyDocument::BundleFile> MyDocument::bundleFiles(const QString &bundlePath, const OptString &previous)
+{
+    const QString resources = BundleLayout::resourcesFolder(bundlePath);
+    const bool modern = QFileInfo(resources + u'/' + BundleLayout::kBaseFolder).isDir()
+                        && baseLanguageKey() != OptString(QStringLiteral("Base"));
     QString baseFolder;
-    if (baseKey && QFileInfo::exists(languageFolder(bundlePath, *baseKey))) baseFolder = languageFolder(bundlePath, *baseKey);
-    else if (baseAbbreviation) baseFolder = languageFolder(bundlePath, *baseAbbreviation);
-    if (baseFolder.isEmpty()) return list;
+    if (const OptString found = languageFolderIn(resources, false)) baseFolder = resources + u'/' + *found;
+    else if (!modern) {
+        const OptString abbreviation = baseLanguageAbbreviation();
+        if (!abbreviation) return {};
+        baseFolder = languageFolder(bundlePath, *abbreviation);  // not checked: an empty listing
+    }
 
     // Without a previous release every file gets no previous version.
-    QString previousFolder;
+    QString previousResources, previousFolder, previousBaseFolder;
     if (previous && !previous->isEmpty()) {
-        const OptString key = targetLanguageKey();
-        const OptString abbreviation = targetLanguageAbbreviation();
-        if (key && QFileInfo::exists(languageFolder(*previous, *key))) previousFolder = languageFolder(*previous, *key);
-        else if (abbreviation) previousFolder = languageFolder(*previous, *abbreviation);
-        else if (key) previousFolder = languageFolder(*previous, *key);
+        previousResources = BundleLayout::resourcesFolder(*previous);
+        if (const OptString found = languageFolderIn(previousResources, true)) {
+            previousFolder = previousResources + u'/' + *found;
+        } else {
+            const OptString name = targetFolderName();
+            if (name) previousFolder = previousResources + u'/' + *name;
+        }
+        if (const OptString found = languageFolderIn(previousResources, false))
+            previousBaseFolder = previousResources + u'/' + *found;
+    }
+    const auto previousOf = [&](const QString &name) { return inFolder(previousFolder, name); };
+
+    QList<BundleFile> list;
+    if (!modern) {
+        for (const QString &name : resourceNames(baseFolder)) list.append({baseFolder + u'/' + name, previousOf(name), {}});
+        return list;
     }
 
-    // Sorted by name so that a bundle adds the same way on every file system.
-    const QStringList names = QDir(baseFolder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                                                         QDir::Name | QDir::IgnoreCase);
-    for (const QString &name : names) {
-        if (name.contains(QLatin1String("~.nib"))) continue;  // Interface Builder's backup copies
-        if (!resourceExtensions.contains(QFileInfo(name).suffix())) continue;
-        list.append({baseFolder + u'/' + name, previousFolder.isEmpty() ? QString() : previousFolder + u'/' + name});
+    // Base internationalization: the interface files (and any table) of Base.lproj, then the base
+    // language's own folder. A Base.lproj interface file's previous version is the previous
+    // release's table of the same stem; a localized interface file there is taken as before.
+    const QString base = resources + u'/' + BundleLayout::kBaseFolder;
+    const QString previousBase = inFolder(previousResources, BundleLayout::kBaseFolder);
+    const QStringList ownNames = baseFolder.isEmpty() ? QStringList() : resourceNames(baseFolder);
+    QSet<QString> interfaceStems;
+    for (const QString &name : resourceNames(base)) {
+        const QString stem = QFileInfo(name).completeBaseName();
+        const QString table = stem + QStringLiteral(".strings");
+        if (BundleLayout::isInterfaceFile(name)) {
+            interfaceStems.insert(stem);
+            QString prev = previousOf(table);
+            if (!prev.isEmpty() && !QFileInfo::exists(prev)) {
+                for (const QString &ext : {QFileInfo(name).suffix(), QStringLiteral("xib"), QStringLiteral("nib")})
+                    if (QFileInfo::exists(previousOf(stem + u'.' + ext))) {
+                        prev = previousOf(stem + u'.' + ext);
+                        break;
+                    }
+            }
+            // The previous release's own base: its Base.lproj file, its English table, or (before it
+            // moved to Base.lproj) its English interface file.
+            const QString previousBaseFile = firstExisting(
+                {inFolder(previousBase, name), inFolder(previousBaseFolder, table), inFolder(previousBaseFolder, name)});
+            list.append({base + u'/' + name, prev, previousBaseFile});
+        } else if (!ownNames.contains(name)) {
+            // The base language's own copy of a table wins over the one in Base.lproj.
+            list.append({base + u'/' + name, previousOf(name),
+                         firstExisting({inFolder(previousBase, name), inFolder(previousBaseFolder, name)})});
+        }
+    }
+    for (const QString &name : ownNames) {
+        // The base language's table of a Base.lproj interface file is that file's English text,
+        // not a resource of its own.
+        if (QFileInfo(name).suffix() == QLatin1String("strings") && interfaceStems.contains(QFileInfo(name).completeBaseName()))
+            continue;
+        list.append({baseFolder + u'/' + name, previousOf(name),
+                     firstExisting({inFolder(previousBaseFolder, name), inFolder(previousBase, name)})});
     }
     return list;
+}
+
+QStringList MyDocument::resourceNames(const QString &folder)
+{
+    QStringList taken;
+    if (folder.isEmpty()) return taken;
+    // Sorted by name so that a bundle adds the same way on every file system.
+    const QStringList names = QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                                                     QDir::Name | QDir::IgnoreCase);
+    for (const QString &name : names) {
+        if (BundleLayout::isHiddenName(name)) continue;        // .DS_Store, AppleDouble "._X" copies
+        if (name.contains(QLatin1String("~.nib"))) continue;  // Interface Builder's backup copies
+        if (!acceptedResourceExtensions().contains(QFileInfo(name).suffix())) continue;
+        taken.append(name);
+    }
+    return taken;
+}
+
+QString MyDocument::firstExisting(const QStringList &paths)
+{
+    for (const QString &path : paths)
+        if (!path.isEmpty() && QFileInfo::exists(path)) return path;
+    return QString();
+}
+
+void MyDocument::markChangedBaseWords(LocFile &file, const QString &previousBasePath)
+{
+    // The older tool reads later; its entries are not there yet to compare.
+    if (HandlerRegistry::kindForPath(previousBasePath) == HandlerKind::Nibtool) return;
+    const LocFilePtr old = LocFile::initWithPath(previousBasePath, std::nullopt, std::nullopt);
+    if (!old) return;
+    QHash<QString, QString> before;
+    for (const LocEntryPtr &e : old->allEntries())
+        if (const OptString key = e->keyWord(); key && !key->isEmpty()) before.insert(*key, e->baseWord().value_or(QString()));
+    for (const LocEntryPtr &e : file.allEntries()) {
+        const OptString key = e->keyWord();
+        if (!key) continue;
+        const auto it = before.constFind(*key);
+        if (it == before.cend() || *it == e->baseWord().value_or(QString())) continue;
+        // The old translation stays as a starting point, but someone must look at it again.
+        e->setPreviousBaseWord(*it);
+        e->setCheck(false);
+    }
+    file.searchEntryWithKey(std::nullopt);
 }
 
 LocFilePtr MyDocument::addFile(const QString &path, const OptString &previousPath)
 {
     const QString dictionary = dictionaryPath();
+    // The older tool's entries arrive later, announced when its listing has ended; a reading that
+    // ended before the file was handed back is not waited for.
+    const auto kind = HandlerRegistry::kindForPath(path);
+    const bool late = kind == HandlerKind::Nibtool && HandlerRegistry::handler(*kind);
+    QSet<const LocFile *> endedAtOnce;
+    const QMetaObject::Connection watch = connect(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile,
+                                                  this, [&endedAtOnce](LocFile *f) { endedAtOnce.insert(f); });
     LocFilePtr file = LocFile::initWithPath(path, orNone(dictionary), previousPath);
+    disconnect(watch);
     if (!file) return nullptr;
+    if (late && !endedAtOnce.contains(file.get())) m_reading.insert(file.get());
     if (!file->initError().isEmpty()) {
         Alert alert;
         alert.title = localizedString(QStringLiteral("Error has occured while reading nib file"));

@@ -202,6 +202,7 @@ QByteArray MyDocument::dataRepresentationOfType(const QString &typeName)
 {
     Q_UNUSED(typeName);
     saveSpellCheck();
+    waitUntilFilesRead();
     return DocumentArchive::encode({m_title, m_locLangFrom, m_locLangTo, m_files});
 }
 

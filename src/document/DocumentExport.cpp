@@ -2,6 +2,7 @@
 // merge of their pairs into the dictionary of the language pair.
 #include "MyDocument.h"
 
+#include "BundleLayout.h"
 #include "Dialogs.h"
 #include "LocalizedText.h"
 #include "VXControllerModel.h"
@@ -25,6 +26,18 @@ QString overwriteMessage(const QString &folderName)
 QString quoted(const QString &s)
 {
     return QStringLiteral("\u201C%1\u201D").arg(s);
+}
+
+// Where a file's localized counterpart lands: under the base file's own name, except that an
+// interface file of Base.lproj is localized by its string table, "<stem>.strings", unless the
+// handler wrote a localized interface file after all (the previous release held one).
+QString localizedOutputPath(const LocFile &file, const QString &folder)
+{
+    const QDir dir(folder);
+    const QString own = dir.filePath(file.fileName());
+    if (!BundleLayout::isInBaseFolder(file.path()) || !BundleLayout::isInterfaceFile(file.fileName())) return own;
+    if (QFileInfo::exists(own)) return own;
+    return dir.filePath(QFileInfo(file.path()).completeBaseName() + QStringLiteral(".strings"));
 }
 
 }  // namespace
@@ -59,9 +72,19 @@ ExportResult MyDocument::makeLocalizedFilesInto(const QList<LocFilePtr> &files, 
     }
     QString folder = QDir::cleanPath(destination);
     if (isBundlePath(folder, VXControllerModel::readBundleTypes())) {
-        bool existing = false;
+        bool existing = false, cancelled = false;
         QString existingName;
-        folder = destinationInBundle(folder, &existing, &existingName);
+        const QString resources = BundleLayout::resourcesFolder(folder);
+        const QStringList candidates = BundleLayout::candidateFolders(resources, targetLanguageKey().value_or(QString()),
+                                                                      targetLanguageAbbreviation().value_or(QString()));
+        const bool chosen = !m_targetFolderChoice.isEmpty() && QFileInfo(resources + u'/' + m_targetFolderChoice).isDir();
+        if (candidates.size() > 1 && !chosen) {
+            if (refusal)
+                *refusal = QStringLiteral("%1 has several folders for the target language (%2); say which one to use.")
+                               .arg(quoted(QDir::toNativeSeparators(folder)), candidates.join(QLatin1String(", ")));
+            return nothing;
+        }
+        folder = destinationInBundle(folder, &existing, &existingName, &cancelled);
         if (folder.isEmpty()) {
             if (refusal) *refusal = QStringLiteral("The target language of the document is not in the language table.");
             return nothing;
@@ -77,24 +100,23 @@ ExportResult MyDocument::makeLocalizedFilesInto(const QList<LocFilePtr> &files, 
     return writeLocalizedFiles(files, folder);
 }
 
-QString MyDocument::destinationInBundle(const QString &bundle, bool *existing, QString *existingName) const
+QString MyDocument::destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled)
 {
-    const QString resources = QDir(bundle).filePath(QStringLiteral("Contents/Resources"));
-    const OptString key = targetFolderName();
-    const OptString abbreviation = targetLanguageAbbreviation();
-    *existing = true;
-    if (key && QFileInfo::exists(resources + u'/' + *key)) {
-        *existingName = *key;
-    } else if (abbreviation && QFileInfo::exists(QStringLiteral("%1/%2.lproj").arg(resources, *abbreviation))) {
-        *existingName = *abbreviation + QLatin1String(".lproj");
-    } else {
-        *existing = false;
-        if (!key) return QString();
-        // Not checked: a bundle without Contents/Resources shows as files that could not be written.
-        QDir(resources).mkdir(*key);
-        return resources + u'/' + *key;
+    const QString resources = BundleLayout::resourcesFolder(bundle);
+    *existing = false;
+    *cancelled = false;
+    if (const OptString found = languageFolderIn(resources, true, cancelled)) {
+        *existing = true;
+        *existingName = *found;
+        return resources + u'/' + *found;
     }
-    return resources + u'/' + *existingName;
+    if (*cancelled) return QString();
+    const OptString key = targetLanguageKey();
+    if (!key) return QString();
+    const QString name = BundleLayout::newFolderName(resources, *key, targetLanguageAbbreviation().value_or(QString()));
+    // Not checked: a bundle without a resources folder shows as files that could not be written.
+    QDir(resources).mkdir(name);
+    return resources + u'/' + name;
 }
 
 OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
@@ -123,9 +145,10 @@ OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
         if (chosen.isEmpty()) return std::nullopt;
         const QString path = QDir::cleanPath(chosen.first());
         if (!isBundlePath(path, bundles)) return path;
-        bool existing = false;
+        bool existing = false, cancelled = false;
         QString existingName;
-        const QString folder = destinationInBundle(path, &existing, &existingName);
+        const QString folder = destinationInBundle(path, &existing, &existingName, &cancelled);
+        if (cancelled) continue;
         if (folder.isEmpty()) return std::nullopt;
         if (!existing) return folder;
         Alert alert;
@@ -142,11 +165,12 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, con
     ExportResult result;
     result.folder = folder;
     setLoadingFiles(true);
+    waitUntilFilesRead();
     int done = 0;
     for (const LocFilePtr &file : files) {
         // A later file's word replaces an earlier one's for the same base word.
         result.pairs.insertAll(file->makeLocalizedFileAt(folder));
-        const QString output = QDir(folder).filePath(QFileInfo(file->path()).fileName());
+        const QString output = localizedOutputPath(*file, folder);
         (QFileInfo::exists(output) ? result.written : result.failed).append(output);
         emit progress(++done, int(files.size()));
     }

@@ -5,7 +5,9 @@
 #include "Settings.h"
 #include "VXControllerModel.h"
 
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QTimer>
 
 MyDocument::MyDocument(QObject *parent) : QObject(parent)
 {
@@ -98,6 +100,9 @@ void MyDocument::registerMyNotifications()
         if (document == this) update();
     });
     connect(&center, &NotificationCenter::locEntryHasModified, this, &MyDocument::entryModified);
+    connect(&center, &NotificationCenter::locFileFinishReadingFile, this, [this](LocFile *file) {
+        if (m_reading.remove(file) && m_reading.isEmpty()) emit filesRead();
+    });
     Settings &settings = Settings::instance();
     connect(&settings, &Settings::ignoreEmptyWordsChanged, this,
             [this] { observeValueForKeyPath(SettingsKey::IgnoreEmptyWords); });
@@ -118,8 +123,30 @@ void MyDocument::observeValueForKeyPath(const QString &key)
 void MyDocument::search(const OptString &text)
 {
     m_searchText = text;
-    for (const LocFilePtr &file : std::as_const(m_files)) file->searchEntryWithKey(text);
+    for (const LocFilePtr &file : std::as_const(m_files)) {
+        file->searchEntryWithKey(text);
+        if (!m_onlyChangedBase) continue;
+        QList<LocEntryPtr> shown = file->entries();
+        shown.removeIf([](const LocEntryPtr &e) { return !e->previousBaseWord(); });
+        file->setEntries(shown);
+    }
     emit searchPerformed();
+}
+
+void MyDocument::setShowOnlyChangedBase(bool on)
+{
+    if (on == m_onlyChangedBase) return;
+    m_onlyChangedBase = on;
+    search(m_searchText);
+}
+
+qsizetype MyDocument::changedBaseCount() const
+{
+    qsizetype count = 0;
+    for (const LocFilePtr &file : m_files)
+        for (const LocEntryPtr &e : file->allEntries())
+            if (e->previousBaseWord()) ++count;
+    return count;
 }
 
 void MyDocument::switchButton(const LocEntryPtr &entry, bool check)
@@ -134,8 +161,22 @@ void MyDocument::checkLocalized(const QList<LocEntryPtr> &selected)
         if (entry) entry->setCheck(true);
 }
 
+bool MyDocument::waitUntilFilesRead()
+{
+    if (m_reading.isEmpty()) return true;
+    // Every run of the older tool is stopped at its own timeout and then ends the reading, so this
+    // wait ends with it; the bound here is only a guard against a handler that never reports.
+    QEventLoop loop;
+    connect(this, &MyDocument::filesRead, &loop, &QEventLoop::quit);
+    QTimer::singleShot(std::chrono::minutes(30), &loop, &QEventLoop::quit);
+    loop.exec();
+    return m_reading.isEmpty();
+}
+
 void MyDocument::removeFiles(const QList<LocFilePtr> &files)
 {
+    for (const LocFilePtr &f : files) m_reading.remove(f.get());
+    if (m_reading.isEmpty()) emit filesRead();
     QList<LocFilePtr> kept = m_files;
     kept.removeIf([&files](const LocFilePtr &f) { return files.contains(f); });
     setFiles(kept);

@@ -11,6 +11,7 @@
 #include "LocFile.h"
 
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 
 class Dialogs;
@@ -113,11 +114,21 @@ public:
     // Re-filters the shown entries of every file with this search text (kept for later re-runs).
     void search(const OptString &text);
     const OptString &searchText() const { return m_searchText; }
+    // Shows only the entries whose base text changed since the previous release (they carry the
+    // previous base word), within the search; re-runs the search.
+    void setShowOnlyChangedBase(bool on);
+    bool showsOnlyChangedBase() const { return m_onlyChangedBase; }
+    qsizetype changedBaseCount() const;
     // Check box of an entry: stores the mark, marks the document changed.
     void switchButton(const LocEntryPtr &entry, bool check);
     // Checks every given entry; does not mark the document changed. The window then selects the
     // next entry.
     void checkLocalized(const QList<LocEntryPtr> &selected);
+    // Files whose reading goes on after adding (the older interface tool lists them in the
+    // background): saving or exporting them now would lose their entries, so both wait first.
+    bool isReadingFiles() const { return !m_reading.isEmpty(); }
+    // Runs the event loop until every such file has finished; false when one did not end in time.
+    bool waitUntilFilesRead();
     // Removes files from the document (nothing on disk) and marks it changed.
     void removeFiles(const QList<LocFilePtr> &files);
 
@@ -145,7 +156,27 @@ public:
     // The previous-version panel for a file or bundle: the chosen path, or none.
     OptString selectPreviousVersionFile(const QString &path);
     // The resource files of a bundle: base folder entries paired with the previous folder's.
-    QList<QPair<QString, QString>> bundleFilesWithPrevious(const QString &bundlePath, const OptString &previous) const;
+    QList<QPair<QString, QString>> bundleFilesWithPrevious(const QString &bundlePath, const OptString &previous);
+    // One resource file of a bundle, its previous localized version, and the previous release's
+    // own base file of it (empty when there is none), whose words show where the base changed.
+    struct BundleFile {
+        QString path;
+        QString previous;
+        QString previousBase;
+    };
+    // The files a bundle adds. With Base.lproj (and a base language other than "Base"): its
+    // interface files and tables, then the base language's folder; otherwise that folder alone.
+    QList<BundleFile> bundleFiles(const QString &bundlePath, const OptString &previous);
+    // The existing folder of the target (or base) language in a resources folder, asking through
+    // the dialogs when several fit; none when none fits or the user cancelled.
+    OptString languageFolderIn(const QString &resources, bool target, bool *cancelled = nullptr);
+    // The target folder taken in a bundle with several for the language (--lproj on the command
+    // line, or the answer to the question); used until the document closes.
+    void setTargetFolderChoice(const QString &name) { m_targetFolderChoice = name; }
+    const QString &targetFolderChoice() const { return m_targetFolderChoice; }
+    // Entries whose base word differs from the previous release's base word for the same key get
+    // that word as their previous base word and lose their check mark.
+    static void markChangedBaseWords(LocFile &file, const QString &previousBasePath);
     // An interface file built from a localized and a base string table, each chosen in a panel.
     LocFilePtr readNibAndStringsFile();
     OptString selectPathAtPath(const OptString &startFolder, const QStringList &extensions, const QString &message);
@@ -184,13 +215,17 @@ signals:
     // paths or exported files). Everything runs on the calling thread; a window that wants to
     // repaint meanwhile may process its pending paint events here.
     void progress(int done, int total);
+    // The last file still being read has finished.
+    void filesRead();
 
 private:
     // Builds the export destination for a chosen path: the path itself, or inside a bundle the
     // found or created language folder; `existing` tells whether a language folder was found.
     // Previous versions given (outer optional set) or asked for in the panel (unset).
     QList<LocFilePtr> addPaths(const QList<QPair<QString, std::optional<OptString>>> &paths);
-    QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName) const;
+    QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled);
+    static QStringList resourceNames(const QString &folder);
+    static QString firstExisting(const QStringList &paths);
     ExportResult writeLocalizedFiles(const QList<LocFilePtr> &files, const QString &folder);
 
     QString m_title;
@@ -203,4 +238,7 @@ private:
     OptString m_searchText;
     std::optional<bool> m_spellCheck;
     Dialogs *m_dialogs = nullptr;
+    QString m_targetFolderChoice;
+    QSet<const LocFile *> m_reading;
+    bool m_onlyChangedBase = false;
 };

@@ -59,7 +59,8 @@ void VXControllerModel::setBundleTypesPath(const QString &path)
 
 QStringList acceptableFileTypes()
 {
-    QStringList types{QStringLiteral("nib"), QStringLiteral("xib"), QStringLiteral("strings"), QStringLiteral("plist")};
+    QStringList types{QStringLiteral("nib"),   QStringLiteral("xib"),        QStringLiteral("strings"),
+                      QStringLiteral("plist"), QStringLiteral("storyboard"), QStringLiteral("stringsdict")};
     types.append(VXControllerModel::instance().bundleFileTypes());
     return types;
 }

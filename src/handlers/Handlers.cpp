@@ -6,4 +6,5 @@ void registerResourceHandlers()
     HandlerRegistry::registerHandler(HandlerKind::Plist, makePlistHandler());
     HandlerRegistry::registerHandler(HandlerKind::Ibtool, makeIbtoolHandler());
     HandlerRegistry::registerHandler(HandlerKind::Nibtool, makeNibtoolHandler());
+    HandlerRegistry::registerHandler(HandlerKind::Stringsdict, makeStringsdictHandler());
 }

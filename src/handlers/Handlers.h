@@ -1,5 +1,5 @@
 #pragma once
-// The four resource handlers, registered once at start-up by every program that makes files.
+// The resource handlers, registered once at start-up by every program that makes files.
 
 #include "ResourceHandler.h"
 
@@ -7,5 +7,6 @@ std::shared_ptr<ResourceHandler> makeStringsHandler();
 std::shared_ptr<ResourceHandler> makePlistHandler();
 std::shared_ptr<ResourceHandler> makeIbtoolHandler();
 std::shared_ptr<ResourceHandler> makeNibtoolHandler();
+std::shared_ptr<ResourceHandler> makeStringsdictHandler();
 
 void registerResourceHandlers();

@@ -1,15 +1,23 @@
 #include "IbtoolHandler.h"
 
 #include "Handlers.h"
+#include "IbtoolBaseTables.h"
 #include "InterfaceTool.h"
 #include "LocFile.h"
+#include "PreparingHandler.h"
 #include "StringsTable.h"
+#include "WholeTableReader.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QDateTime>
+#include <QHash>
+#include <QProcess>
 #include <QSaveFile>
+#include <QThread>
+#include <deque>
 
 Q_LOGGING_CATEGORY(lcIbtool, "vocabrix.ibtool", QtWarningMsg)
 
@@ -51,6 +59,30 @@ void removeFile(const QString &path)
     if (!path.isEmpty()) QFile::remove(path);
 }
 
+// Tables made ahead by ibtoolPrepareTables, taken once by the reading of their file. An entry
+// counts only while the interface file is unchanged since its table was made.
+struct PreparedTable {
+    QDateTime modified;
+    qint64 size = 0;
+    QString text;
+};
+QHash<QString, PreparedTable> &preparedTables()
+{
+    static QHash<QString, PreparedTable> tables;
+    return tables;
+}
+
+OptString takePreparedTable(const QString &path)
+{
+    const auto it = preparedTables().constFind(path);
+    if (it == preparedTables().cend()) return std::nullopt;
+    const PreparedTable table = *it;
+    preparedTables().erase(it);
+    const QFileInfo info(path);
+    if (info.lastModified() != table.modified || info.size() != table.size) return std::nullopt;
+    return table.text;
+}
+
 // Whatever stands at `path`, a file or a whole nib folder.
 void removeAnything(const QString &path)
 {
@@ -69,15 +101,74 @@ QString ibtoolMakePListFromNib(const QString &path, QString *failure, QStringLis
     return QDir(folderOf(path)).filePath(table);
 }
 
+void ibtoolPrepareTables(const QStringList &paths)
+{
+    preparedTables().clear();
+    const QString program = InterfaceTool::find(InterfaceTool::Kind::Ibtool);
+    if (program.isEmpty() || paths.size() < 2) return;
+    struct Run {
+        QString path, table;
+        std::unique_ptr<QProcess> process;
+    };
+    // A few runs side by side: each run is mostly the tool's start-up, which one core at a time
+    // would wait for in turn.
+    const int width = qBound(2, QThread::idealThreadCount(), 8);
+    std::deque<Run> running;
+    const auto finishOldest = [&running] {
+        Run run = std::move(running.front());
+        running.pop_front();
+        const bool ended = run.process->waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
+        if (!ended) {
+            run.process->kill();
+            run.process->waitForFinished(5'000);
+        }
+        if (ended && run.process->exitStatus() == QProcess::NormalExit && run.process->exitCode() == 0) {
+            // Tool warnings are not kept: a file whose run says anything is read again the usual way.
+            if (run.process->readAllStandardError().trimmed().isEmpty())
+                if (const OptString text = stringFromUTF16DataFilePath(run.table)) {
+                    const QFileInfo info(run.path);
+                    preparedTables().insert(run.path, {info.lastModified(), info.size(), *text});
+                }
+        }
+        removeFile(run.table);
+    };
+    for (const QString &path : paths) {
+        if (!QFileInfo::exists(path)) continue;
+        if (qsizetype(running.size()) >= width) finishOldest();
+        Run run;
+        run.path = path;
+        const QString tableName = stemOf(path) + QStringLiteral("__prepared.strings");
+        run.table = QDir(folderOf(path)).filePath(tableName);
+        run.process = std::make_unique<QProcess>();
+        run.process->setProgram(program);
+        run.process->setArguments({QStringLiteral("--generate-stringsfile"), tableName, QFileInfo(path).fileName()});
+        run.process->setWorkingDirectory(folderOf(path));
+        run.process->setStandardInputFile(QProcess::nullDevice());
+        run.process->setStandardOutputFile(QProcess::nullDevice());
+        run.process->start(QIODevice::ReadOnly);
+        running.push_back(std::move(run));
+    }
+    while (!running.empty()) finishOldest();
+}
+
 void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictionaryPath, const OptString &previousPath)
 {
     QString failure;
     QStringList toolWarnings;
-    const QString baseTable = ibtoolMakePListFromNib(file.path(), &failure, &toolWarnings);
+    const OptString prepared = takePreparedTable(file.path());
+    const QString baseTable = prepared ? QString() : ibtoolMakePListFromNib(file.path(), &failure, &toolWarnings);
 
     QString previousTable;
     OptString previousText;
-    if (previousPath && !previousPath->isEmpty()) {
+    std::optional<StringMap> previousPairs;
+    if (isTablePath(previousPath)) {
+        // Base internationalization: the previous release localized this file by its table.
+        previousPairs = readWholeTable(file, previousPath, TableRole::Previous);
+        if (QFileInfo::exists(*previousPath)) rememberPreviousForm(file, tableFormOfFile(*previousPath));
+    } else if (previousPath && !previousPath->isEmpty()) {
+        // Asked to pair with a localized interface file (found or not): the older layout, whose
+        // export writes one too.
+        rememberPreviousForm(file, TableForm::InterfaceFile);
         QString previousFailure;
         previousTable = ibtoolMakePListFromNib(*previousPath, &previousFailure);
         previousText = stringFromUTF16DataFilePath(previousTable);
@@ -88,9 +179,10 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
                                 .trimmed());
     }
 
-    const OptString baseText = stringFromUTF16DataFilePath(baseTable);
+    const OptString baseText = prepared ? prepared : stringFromUTF16DataFilePath(baseTable);
     if (baseText) {
-        ibtoolParseEntries(file, *baseText, previousText, dictionaryPath);
+        if (previousPairs) ibtoolParseEntries(file, *baseText, *previousPairs, dictionaryPath);
+        else ibtoolParseEntries(file, *baseText, previousText, dictionaryPath);
         for (const QString &w : std::as_const(toolWarnings)) file.addWarning(w);
     } else {
         if (failure.isEmpty()) failure = QStringLiteral("The interface tool wrote no string table.");
@@ -100,8 +192,12 @@ void ibtoolExtractNibDataWithDictionary(LocFile &file, const OptString &dictiona
     removeFile(previousTable);
 }
 
-void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &previousEntries,
-                        const OptString &dictionaryPath)
+namespace {
+
+// The entries of the tool's table, each given its previous word by `previousWord` (which tells
+// whether a word found there counts as the translator's decision) or else the dictionary's.
+template <typename Lookup>
+void parseBlocks(LocFile &file, const QString &entries, Lookup previousWord, const OptString &dictionaryPath)
 {
     std::optional<StringMap> dictionary;
     if (dictionaryPath && !dictionaryPath->isEmpty()) dictionary = dictionaryWithContentsOfFile(*dictionaryPath);
@@ -121,9 +217,11 @@ void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &
         if (piece.isEmpty()) continue;
 
         const LocEntryPtr entry = LocEntry::initWithEntry(QStringLiteral("/*") + piece + QStringLiteral("\";"));
-        const OptString previous = stringForObjectID(entry->objectID(), entry->wordType(), previousEntries);
+        bool decided = false;
+        const OptString previous = previousWord(*entry, &decided);
         if (previous) {
             entry->setLocalizedWord(previous);
+            if (decided) entry->setCheck(true);
         } else if (map) {
             const OptString base = entry->baseWord();
             if (const QString *word = base ? map->find(*base) : nullptr) entry->setLocalizedWord(*word);
@@ -135,6 +233,36 @@ void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &
     file.searchEntryWithKey(std::nullopt);
 }
 
+}  // namespace
+
+void ibtoolParseEntries(LocFile &file, const QString &entries, const OptString &previousEntries,
+                        const OptString &dictionaryPath)
+{
+    parseBlocks(
+        file, entries,
+        [&previousEntries](const LocEntry &entry, bool *) {
+            return stringForObjectID(entry.objectID(), entry.wordType(), previousEntries);
+        },
+        dictionaryPath);
+}
+
+void ibtoolParseEntries(LocFile &file, const QString &entries, const StringMap &previousTable,
+                        const OptString &dictionaryPath)
+{
+    parseBlocks(
+        file, entries,
+        [&previousTable](const LocEntry &entry, bool *decided) -> OptString {
+            const OptString key = entry.keyWord();
+            const QString *word = key ? previousTable.find(*key) : nullptr;
+            if (!word || word->isEmpty()) return std::nullopt;
+            // The previous release's table names this key: its word, even where it equals the
+            // base word, is what that release shipped, so the entry starts checked.
+            *decided = true;
+            return *word;
+        },
+        dictionaryPath);
+}
+
 OptString stringForObjectID(const OptString &objectID, const OptString &wordType, const OptString &previousEntries)
 {
     if (!previousEntries || !objectID || !wordType) return std::nullopt;
@@ -142,23 +270,32 @@ OptString stringForObjectID(const OptString &objectID, const OptString &wordType
     return substringFrom(*previousEntries, key, QStringLiteral("\";\n"));
 }
 
-OptString ibtoolMakeStringsFile(LocFile &file, StringMap &pairs)
+void collectPairs(const LocFile &file, StringMap &pairs)
 {
     for (const LocEntryPtr &entry : file.allEntries()) {
         const OptString base = entry->baseWord();
         const OptString localized = entry->localizedWord();
         if (wordLength(base) > 0 && wordLength(localized) > 0) pairs.insert(*base, *localized);
     }
+}
+
+OptString ibtoolMakeStringsFile(LocFile &file, StringMap &pairs)
+{
+    collectPairs(file, pairs);
     return InterfaceTool::writeMergeTable(file);
 }
 
 StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
 {
     const QFileInfo base(file.path());
-    const QString ext = base.suffix();
-    if (ext != QLatin1String("nib") && ext != QLatin1String("xib")) return StringMap();
+    if (!isInterfaceExtension(file.path())) return StringMap();
 
     StringMap pairs;
+    if (exportsAsTable(file)) {
+        collectPairs(file, pairs);
+        writeLocalizedTable(file, folder);
+        return pairs;
+    }
     const OptString table = ibtoolMakeStringsFile(file, pairs);
     // Absolute, because the tool runs in the interface file's folder, not in ours.
     const QString output = QDir(folder).absoluteFilePath(base.fileName());
@@ -187,7 +324,7 @@ StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
 
 namespace {
 
-class IbtoolHandler : public ResourceHandler {
+class IbtoolHandler : public ResourceHandler, public PreparingHandler {
 public:
     void extract(LocFile &file, const OptString &dictionaryPath, const OptString &previousPath) override
     {
@@ -197,6 +334,7 @@ public:
     {
         return ibtoolHandle::ibtoolMakeLocalizedNibFileAt(file, folder);
     }
+    void prepare(const QStringList &paths) override { ibtoolHandle::ibtoolPrepareTables(paths); }
 };
 
 }  // namespace

@@ -68,6 +68,7 @@ private slots:
     void spellingWithOwnDictionary();
     void editorUnderlinesMisspelledWords();
     void missingDictionaryOnlyDisablesChecking();
+    void editorShowsPreviousBaseWord();
     void fileDropsAreFilteredAndDeferred();
     void rowDragsReorderFiles();
     void preferenceWindow();
@@ -204,6 +205,21 @@ void TestAppParts::editorUnderlinesMisspelledWords()
     QCOMPARE(underlined(), QStringList{QStringLiteral("mondee")});
     editor.setContinuousSpellCheckingEnabled(false);
     QVERIFY(underlined().isEmpty());
+}
+
+void TestAppParts::editorShowsPreviousBaseWord()
+{
+    MyDocument document;
+    EntryEditor editor(&document);
+    editor.show();
+    const LocEntryPtr changed = LocEntry::initWithEntry(QStringLiteral("\"Close file\" = \"Fermer\";"));
+    changed->setPreviousBaseWord(QStringLiteral("Close"));
+    editor.setEntry(changed);
+    QVERIFY(editor.previousBaseField()->isVisible());
+    QCOMPARE(editor.previousBaseField()->text(), QStringLiteral("Close"));
+    editor.setEntry(LocEntry::initWithEntry(QStringLiteral("\"Open\" = \"Ouvrir\";")));
+    QVERIFY(!editor.previousBaseField()->isVisible());
+    QVERIFY(editor.previousBaseField()->text().isEmpty());
 }
 
 void TestAppParts::missingDictionaryOnlyDisablesChecking()

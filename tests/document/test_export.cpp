@@ -126,7 +126,8 @@ void TestExport::panelOptions()
 void TestExport::bundleWithoutLanguageFolderGetsKeyFolder()
 {
     fill();
-    QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/de.lproj")));
+    // Folders named by keys: the new one is too (abbreviation-named ones: see test_bundle_layout).
+    QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/German.lproj")));
     m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
     const ExportResult r = m_doc->makeAllLocalizedFilesAction();
     QCOMPARE(r.folder, path(QStringLiteral("T.app/Contents/Resources/French.lproj")));
