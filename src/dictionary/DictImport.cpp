@@ -168,7 +168,7 @@ bool DictWindowController::exportTmx(const QString &path, QString *error) const
     }
     if (error) error->clear();
     if (skipped > 0 && error)
-        *error = tr("%n pair(s) holding control characters that XML cannot carry were left out.", nullptr, int(skipped));
+        *error = tr("%1 pairs holding control characters that XML cannot carry were left out.").arg(skipped);
     return true;
 }
 
