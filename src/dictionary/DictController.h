@@ -46,4 +46,5 @@ private:
     DictRows m_entries;
     DictRows m_shown;
     QString m_lookupText;
+    bool m_shownValid = false;  // m_shown was filtered from the present rows
 };

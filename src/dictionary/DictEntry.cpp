@@ -12,7 +12,7 @@ void DictEntry::setKey(const OptString &key)
     if (StringUtility::wordsEqual(key, m_key) || (!key && !m_key)) return;
     NotificationCenter::instance().postDictEntryChanged(this);
     m_key = key;
-    m_foldedKey.reset();
+    m_folded.reset();
 }
 
 void DictEntry::setValue(const OptString &value)
@@ -20,19 +20,17 @@ void DictEntry::setValue(const OptString &value)
     if (StringUtility::wordsEqual(value, m_value) || (!value && !m_value)) return;
     NotificationCenter::instance().postDictEntryChanged(this);
     m_value = value;
-    m_foldedValue.reset();
+    m_folded.reset();
 }
 
-const QString &DictEntry::foldedKey() const
+const QString &DictEntry::foldedText() const
 {
-    if (!m_foldedKey) m_foldedKey = DictSearch::fold(StringUtility::wordOrEmpty(m_key));
-    return *m_foldedKey;
-}
-
-const QString &DictEntry::foldedValue() const
-{
-    if (!m_foldedValue) m_foldedValue = DictSearch::fold(StringUtility::wordOrEmpty(m_value));
-    return *m_foldedValue;
+    if (!m_folded) {
+        const QString key = DictSearch::fold(StringUtility::wordOrEmpty(m_key));
+        m_foldedKeyLength = key.size();
+        m_folded = key + QChar(1) + DictSearch::fold(StringUtility::wordOrEmpty(m_value));
+    }
+    return *m_folded;
 }
 
 namespace {

@@ -21,15 +21,16 @@ public:
     void setKey(const OptString &key);
     void setValue(const OptString &value);
 
-    // The words as the search compares them (case and diacritics folded), computed once per text.
-    const QString &foldedKey() const;
-    const QString &foldedValue() const;
+    // The words as the search compares them (case and diacritics folded), computed once per
+    // text: the key, U+0001, the value, so that one scan looks at both.
+    const QString &foldedText() const;
+    QStringView foldedKey() const { return QStringView(foldedText()).left(m_foldedKeyLength); }
 
 private:
     OptString m_key;
     OptString m_value;
-    mutable OptString m_foldedKey;
-    mutable OptString m_foldedValue;
+    mutable OptString m_folded;
+    mutable qsizetype m_foldedKeyLength = 0;
 };
 
 using DictEntryPtr = std::shared_ptr<DictEntry>;

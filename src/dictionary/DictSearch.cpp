@@ -3,6 +3,7 @@
 #include <QSet>
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -63,13 +64,28 @@ QString fold(QStringView text)
     return sharpSFolded(kept.toCaseFolded());
 }
 
+DictRows narrow(const DictRows &all, const DictRows &shown, const QString &shownText, const QString &text)
+{
+    // Typing one more letter only ever removes rows: look again at the rows shown.
+    if (!shownText.isEmpty() && !text.isEmpty() && fold(text).contains(fold(shownText))) return filter(shown, text);
+    return filter(all, text);
+}
+
 DictRows filter(const DictRows &rows, const QString &text)
 {
     if (text.isEmpty()) return rows;
     const QString needle = fold(text);
     DictRows shown;
+    if (needle.contains(QChar(1))) {
+        // The separator itself is looked for: each word on its own.
+        for (const DictEntryPtr &row : rows) {
+            const QStringView all(row->foldedText());
+            if (row->foldedKey().contains(needle) || all.mid(row->foldedKey().size() + 1).contains(needle)) shown.append(row);
+        }
+        return shown;
+    }
     for (const DictEntryPtr &row : rows)
-        if (row->foldedKey().contains(needle) || row->foldedValue().contains(needle)) shown.append(row);
+        if (row->foldedText().contains(needle)) shown.append(row);
     return shown;
 }
 
@@ -114,6 +130,60 @@ int boundedDistance(QStringView a, QStringView b, int bound)
     return previous[m];
 }
 
+// Myers' bit-parallel edit distance (in Hyyrö's form for whole words): one pass over `text` with
+// the pattern's columns as the bits of one word, so a row costs a few operations per character
+// instead of a table. The pattern holds at most 64 units.
+class BitPattern {
+public:
+    explicit BitPattern(QStringView pattern) : m_size(int(pattern.size()))
+    {
+        m_latin1.fill(0);
+        for (int i = 0; i < m_size; ++i) {
+            const char16_t c = pattern[i].unicode();
+            if (c < 256) {
+                m_latin1[c] |= quint64(1) << i;
+                continue;
+            }
+            auto it = std::find_if(m_other.begin(), m_other.end(), [c](const auto &p) { return p.first == c; });
+            if (it == m_other.end()) m_other.push_back({c, quint64(1) << i});
+            else it->second |= quint64(1) << i;
+        }
+    }
+    int distance(QStringView text) const
+    {
+        const quint64 high = quint64(1) << (m_size - 1);
+        quint64 pv = ~quint64(0);
+        quint64 mv = 0;
+        int score = m_size;
+        for (QChar ch : text) {
+            const quint64 eq = mask(ch.unicode());
+            const quint64 xv = eq | mv;
+            const quint64 xh = (((eq & pv) + pv) ^ pv) | eq;
+            quint64 ph = mv | ~(xh | pv);
+            quint64 mh = pv & xh;
+            if (ph & high) ++score;
+            else if (mh & high) --score;
+            ph = (ph << 1) | 1;  // the first row of the table counts up: whole words, not a search
+            mh <<= 1;
+            pv = mh | ~(xv | ph);
+            mv = ph & xv;
+        }
+        return score;
+    }
+
+private:
+    quint64 mask(char16_t c) const
+    {
+        if (c < 256) return m_latin1[c];
+        for (const auto &p : m_other)
+            if (p.first == c) return p.second;
+        return 0;
+    }
+    int m_size;
+    std::array<quint64, 256> m_latin1;
+    std::vector<std::pair<char16_t, quint64>> m_other;
+};
+
 }  // namespace
 
 int similarity(QStringView a, QStringView b)
@@ -130,15 +200,17 @@ QList<FuzzyMatch> fuzzyMatches(const DictRows &rows, const QString &baseWord, in
     if (baseWord.isEmpty() || limit <= 0) return found;
     const QString word = fold(baseWord);
     const int n = int(word.size());
+    std::optional<BitPattern> pattern;
+    if (n <= 64) pattern.emplace(word);
     for (const DictEntryPtr &row : rows) {
         if (!row->key() || !row->value()) continue;
-        const QString &key = row->foldedKey();
+        const QStringView key = row->foldedKey();
         const int longer = int(std::max<qsizetype>(n, key.size()));
         if (longer == 0) continue;
         // The most edits that still reach the minimum: a cheap length test rejects most rows.
         const int bound = (longer * (100 - minimumPercent)) / 100;
         if (std::abs(int(key.size()) - n) > bound) continue;
-        const int d = key == word ? 0 : boundedDistance(word, key, bound);
+        const int d = key == word ? 0 : pattern ? pattern->distance(key) : boundedDistance(word, key, bound);
         if (d > bound) continue;
         const int percent = (100 * (longer - d)) / longer;
         if (percent < minimumPercent) continue;

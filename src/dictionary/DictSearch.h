@@ -16,6 +16,10 @@ QString fold(QStringView text);
 // The rows whose key or value contains `text` once both are folded; every row for an empty text.
 DictRows filter(const DictRows &rows, const QString &text);
 
+// The same filter after another: when the new text contains the text `shown` was filtered by,
+// only those rows are looked at again. `shown` must come from `all` as it is now.
+DictRows narrow(const DictRows &all, const DictRows &shown, const QString &shownText, const QString &text);
+
 // Values of all rows, in row order, that are longer than `prefix` and start with it exactly (case
 // and diacritics count). Equal values of different rows are each returned.
 QStringList valuesStartFromString(const DictRows &rows, const QString &prefix);

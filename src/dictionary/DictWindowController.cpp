@@ -167,6 +167,7 @@ void DictWindowController::edit(QObject *row)
     // A linear look: edits come one at a time from the user, never in bulk.
     for (const DictEntryPtr &own : std::as_const(m_entries)) {
         if (own.get() == row) {
+            m_shownValid = false;  // the row may match another search now
             setEdited(true);
             return;
         }
@@ -205,6 +206,7 @@ qsizetype DictWindowController::addDictionary(const StringMap &map)
 void DictWindowController::setEntriesArray(const DictRows &rows)
 {
     m_entries = rows;
+    m_shownValid = false;
     if (m_observing) setEdited(true);
     emit entriesChanged();
     search(m_searchText);
@@ -212,8 +214,9 @@ void DictWindowController::setEntriesArray(const DictRows &rows)
 
 void DictWindowController::search(const QString &text)
 {
+    m_shown = m_shownValid ? DictSearch::narrow(m_entries, m_shown, m_searchText, text) : DictSearch::filter(m_entries, text);
+    m_shownValid = true;
     m_searchText = text;
-    m_shown = DictSearch::filter(m_entries, text);
     emit shownEntriesChanged();
 }
 

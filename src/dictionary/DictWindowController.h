@@ -116,6 +116,7 @@ private:
     DictRows m_entries;
     DictRows m_shown;
     QString m_searchText;
+    bool m_shownValid = false;  // m_shown was filtered from the present rows
     bool m_edited = false;
     bool m_observing = false;
     QUndoStack *m_undoManager;
