@@ -52,6 +52,7 @@ private slots:
     void unreadableFileKeptAsideOnFirstSave();
     void glossaryTextRules_data();
     void glossaryTextRules();
+    void corpusGlossaries();
     void tmxReading_data();
     void tmxReading();
     void tmxRoundTripAndImport();
@@ -241,6 +242,24 @@ void TestDictBrowser::glossaryTextRules()
     QCOMPARE(got, expected);
     QCOMPARE(reading.skipped, skipped);
     QVERIFY(!Glossary::pairsFromData("<TranslationSet>\xff\xfe", QStringLiteral("en"), QStringLiteral("fr"), false).error.isEmpty());
+}
+
+// The two public AppleGlot files: every unit is either a pair or skipped, and the language
+// abbreviations are compared exactly ("fr_CH" is not "fr").
+void TestDictBrowser::corpusGlossaries()
+{
+    SKIP_WITHOUT_CORPUS();
+    const QString folder = TestSupport::corpusDir() + QLatin1String("/glossaries/ilocalize/8b946a17/");
+    const QByteArray apple = TestSupport::readFile(folder + QLatin1String("AZXMLParser/glossary/appleglot.xml"));
+    const Glossary::Reading fr = Glossary::pairsFromData(apple, QStringLiteral("en"), QStringLiteral("fr"), false);
+    QCOMPARE(fr.pairs.size() + fr.skipped, apple.count("<TranslationSet>"));
+    QVERIFY2(fr.pairs.size() > fr.skipped * 4, qPrintable(QString::number(fr.pairs.size())));
+    for (const Glossary::Pair &p : fr.pairs) QVERIFY2(!p.key.contains(u'<') && !p.value.contains(u'<'), qPrintable(p.key));
+    const QByteArray sample = TestSupport::readFile(folder + QLatin1String("SEI/AppleGlot/sample.ad"));
+    QCOMPARE(Glossary::pairsFromData(sample, QStringLiteral("en"), QStringLiteral("fr"), false).pairs.size(), 0);
+    const Glossary::Reading swiss = Glossary::pairsFromData(sample, QStringLiteral("en"), QStringLiteral("fr_CH"), false);
+    QCOMPARE(swiss.pairs.size(), 3);
+    QCOMPARE(swiss.pairs.first().value, QStringLiteral("Fenetre \"principale\""));
 }
 
 void TestDictBrowser::tmxReading_data()
