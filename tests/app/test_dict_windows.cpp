@@ -41,6 +41,7 @@ private slots:
     void browserImportsAndCleans();
     void panelFollowsEditor();
     void doubleClickIsOneUndoStep();
+    void exportReachesPanelAndBrowser();
 
 private:
     QString dictPath() const { return DictionaryFiles::dictionaryFolder() + QLatin1String("/English-French.strings"); }
@@ -223,6 +224,35 @@ void TestDictWindows::doubleClickIsOneUndoStep()
     window->selectEntryRow(-1);
     panel->chooseTableRow(0);
     QCOMPARE(field->toPlainText(), QString());
+}
+
+// The document's own export reloads its panel; an open browser of the pair saves its edit before
+// the merge and shows the exported pairs after it.
+void TestDictWindows::exportReachesPanelAndBrowser()
+{
+    DocumentWindow *window = windowOnCancelEntry();
+    DictBrowserWindow *browser = m_controller->showDictBrowserForPath(dictPath());
+    browser->controller()->setRowValue(browser->controller()->entries().at(3), QStringLiteral("Ouvrir\u2026"));
+    window->entryEditor()->focusEditor();
+    QTest::keyClicks(window->entryEditor()->entryField(), QStringLiteral("Abandonner"));
+    window->entryEditor()->commit();
+    ExportResult result = window->document()->makeLocalizedFilesInto(window->document()->files(), m_dir->filePath(QStringLiteral("out")), true);
+    QVERIFY(!result.cancelled);
+    const StringMap stored = *dictionaryWithContentsOfFile(dictPath());
+    QCOMPARE(stored.value(QStringLiteral("Open")), QStringLiteral("Ouvrir\u2026"));
+    // Which word keys the exported pair is the handler's business; its value is what was typed.
+    auto values = [](const DictRows &rows) {
+        QStringList list;
+        for (const DictEntryPtr &row : rows) list.append(StringUtility::wordOrEmpty(row->value()));
+        return list;
+    };
+    QVERIFY(std::any_of(stored.begin(), stored.end(), [](const auto &p) { return p.second == QLatin1String("Abandonner"); }));
+    QVERIFY(values(window->dictPanel()->controller()->entries()).contains(QStringLiteral("Abandonner")));
+    // The browser keeps its rows, the edited one included, and adds the exported pairs after them.
+    const QStringList browserValues = values(browser->controller()->entries());
+    QCOMPARE(browserValues.mid(0, 6), (QStringList{"Annuler", "Tout annuler", "Ouvrir le fichier", "Ouvrir\u2026", "OK", "Au revoir"}));
+    QVERIFY(browserValues.mid(6).contains(QStringLiteral("Abandonner")));
+    QVERIFY(browser->isWindowModified());
 }
 
 QTEST_MAIN(TestDictWindows)
