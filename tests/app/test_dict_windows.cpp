@@ -122,6 +122,9 @@ void TestDictWindows::browserImportsAndCleans()
     QVERIFY(panel.allowsMultipleSelection);
     for (const char *ext : {"strings", "app", "ad", "lg", "wg", "tmx"}) QVERIFY2(panel.allowedExtensions.contains(QLatin1String(ext)), ext);
     QCOMPARE(browser->tableModel()->rowCount(), 8);
+    m_dialogs.queuePanelCancel();
+    browser->action(QStringLiteral("ImportGlossary"))->trigger();
+    QCOMPARE(m_dialogs.panels().last().allowedExtensions, (QStringList{"ad", "lg", "wg"}));
     QCOMPARE(m_dialogs.alerts().size(), 1);  // the unreadable TMX file, named
     QVERIFY(m_dialogs.alerts().first().message.contains(QLatin1String("bad.tmx")));
     QCOMPARE(dictionaryWithContentsOfFile(dictPath())->size(), 8);  // saved after the import

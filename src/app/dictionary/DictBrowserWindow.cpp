@@ -82,8 +82,8 @@ DictBrowserWindow::DictBrowserWindow(const QString &path, QWidget *parent)
 
 DictBrowserWindow::~DictBrowserWindow()
 {
-    QString message;
-    m_controller->saveDictionary(&message);
+    if (isVisible()) WindowFrame::save(this, frameName);
+    m_controller->saveDictionary();
 }
 
 QAction *DictBrowserWindow::action(const QString &name) const
@@ -112,7 +112,15 @@ void DictBrowserWindow::buildActions()
         m_actions.insert(name, a);
         return a;
     };
-    QAction *importAction = make(QStringLiteral("Import"), tr("&Import\u2026"), QKeySequence(Qt::CTRL | Qt::Key_I), &DictBrowserWindow::importFiles);
+    QAction *importAction = make(QStringLiteral("Import"), tr("&Import\u2026"), QKeySequence(Qt::CTRL | Qt::Key_I), [this] { importFiles(); });
+    // importStringsFile:, importApplication:, importAdFile:, and translation memories.
+    make(QStringLiteral("ImportStrings"), tr("String Tables\u2026"), QKeySequence(), [this] { importFiles({QStringLiteral("strings")}); });
+    make(QStringLiteral("ImportApplication"), tr("Localized Applications\u2026"), QKeySequence(),
+         [this] { importFiles(VXControllerModel::instance().bundleFileTypes()); });
+    make(QStringLiteral("ImportGlossary"), tr("Glossaries (.ad, .lg, .wg)\u2026"), QKeySequence(),
+         [this] { importFiles({QStringLiteral("ad"), QStringLiteral("lg"), QStringLiteral("wg")}); });
+    make(QStringLiteral("ImportTmx"), tr("Translation Memories (.tmx)\u2026"), QKeySequence(),
+         [this] { importFiles({QStringLiteral("tmx")}); });
     importAction->setToolTip(tr("Add the pairs of string tables, localized applications, glossaries (.ad, .lg, .wg) or TMX files"));
     make(QStringLiteral("ExportTmx"), tr("&Export as TMX\u2026"), QKeySequence(), &DictBrowserWindow::exportTmx);
     make(QStringLiteral("Save"), tr("&Save"), QKeySequence::Save, &DictBrowserWindow::save);
@@ -141,7 +149,10 @@ void DictBrowserWindow::buildActions()
             else static_cast<QToolBar *>(target)->addSeparator();
         }
     };
-    fill(menuBar()->addMenu(tr("&Dictionary")), {"Import", "ExportTmx", "", "Save", "", "Close"});
+    QMenu *dictionary = menuBar()->addMenu(tr("&Dictionary"));
+    fill(dictionary, {"Import"});
+    fill(dictionary->addMenu(tr("Import &From")), {"ImportStrings", "ImportApplication", "ImportGlossary", "ImportTmx"});
+    fill(dictionary, {"ExportTmx", "", "Save", "", "Close"});
     fill(menuBar()->addMenu(tr("&Edit")), {"Undo", "Redo", "", "AddRow", "RemoveRows", "", "Clean", "", "Find"});
     QToolBar *bar = addToolBar(tr("Dictionary"));
     bar->setObjectName(QStringLiteral("DictToolbar"));
@@ -176,7 +187,7 @@ void DictBrowserWindow::tell(const QString &title, const QString &message)
     dialogs().showAlertSheet(alert);
 }
 
-void DictBrowserWindow::importFiles()
+void DictBrowserWindow::importFiles(const QStringList &extensions)
 {
     OpenPanelOptions options;
     options.message = tr("Choose string tables, localized applications, glossaries or TMX files to add to %1.")
@@ -184,9 +195,10 @@ void DictBrowserWindow::importFiles()
     options.prompt = tr("Import");
     options.allowsMultipleSelection = true;
     options.bundleExtensions = VXControllerModel::instance().bundleFileTypes();
-    options.allowedExtensions = QStringList{QStringLiteral("strings"), QStringLiteral("ad"), QStringLiteral("lg"),
-                                            QStringLiteral("wg"), QStringLiteral("tmx")}
-                                + options.bundleExtensions;
+    options.allowedExtensions = !extensions.isEmpty() ? extensions
+                                                      : QStringList{QStringLiteral("strings"), QStringLiteral("ad"), QStringLiteral("lg"),
+                                                                    QStringLiteral("wg"), QStringLiteral("tmx")}
+                                                            + options.bundleExtensions;
     options.asSheet = true;
     const QStringList paths = dialogs().runOpenPanel(options);
     if (paths.isEmpty()) return;

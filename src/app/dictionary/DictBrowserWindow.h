@@ -32,7 +32,9 @@ public:
     void setDialogs(Dialogs *dialogs, SavePanel *savePanel);
 
     // ---- Commands
-    void importFiles();  // importStringsFile:, importApplication:, importAdFile: in one panel
+    // The import panel, several files, offering these extensions (all importable ones when empty);
+    // what each chosen file is, its extension says, whichever command opened the panel.
+    void importFiles(const QStringList &extensions = {});
     void exportTmx();
     void cleanDictionary();
     void addRow();
