@@ -59,8 +59,11 @@ public:
 private:
     void set(const OptString &text)
     {
-        if (m_isKey) m_row->setKey(text);
-        else m_row->setValue(text);
+        if (m_isKey) {
+            m_row->setKey(text);
+        } else {
+            m_row->setValue(text);
+        }
         emit m_browser->rowEdited(m_row.get());
     }
     DictWindowController *m_browser;
