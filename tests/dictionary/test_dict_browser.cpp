@@ -63,6 +63,7 @@ private slots:
     void cleanIsOneUndoStep();
     void importDispatchAndUndo();
     void applicationImport();
+    void applicationImportWithOlderTool();
 
 private:
     QString dictPath(const QString &pair) const { return DictionaryFiles::dictionaryFolder() + u'/' + pair + QLatin1String(".strings"); }
@@ -441,6 +442,36 @@ void TestDictBrowser::applicationImport()
     QCOMPARE(rowsOf(browser.entries()), (Rows{{"Open", "Ouvrir"}, {"Settings", "R\u00e9glages"}, {"Cancel", "Annuler"}}));
     QCOMPARE(browser.importDictionaryFromApp(m_dir->filePath(QStringLiteral("Nothing.app")), &error), -1);
     QVERIFY(error.contains(QLatin1String("English.lproj")));
+}
+
+// Under the older interface tool an interface file reads in the background: its pairs arrive
+// with LocFileFinishReadingFile, after the import returned, and mark the browser edited.
+void TestDictBrowser::applicationImportWithOlderTool()
+{
+    const QString tool = write(QStringLiteral("fake-nibtool"),
+                               "#!/bin/bash\nif [[ \" $* \" == *\" -I \"* || \" $* \" == *\" -d \"* ]]; then\n"
+                               "printf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"D\\x27accord\";\\n\\n'\n"
+                               "printf '/* NSButton (Cancel) : <title:Cancel> (oid:30) */\\n\"Cancel\" = \"Cancel\";\\n'\n"
+                               "else\nprintf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"OK\";\\n'\nfi\n");
+    QFile::setPermissions(tool, QFile::permissions(tool) | QFileDevice::ExeOwner);
+    qputenv("VOCABRIX_NIBTOOL", tool.toUtf8());
+    qputenv("VOCABRIX_SYSTEM_VERSION", "10.4.11");
+    const QString res = m_dir->filePath(QStringLiteral("Old.app/Contents/Resources/"));
+    TestSupport::writeFile(res + QLatin1String("English.lproj/MainMenu.nib"), "a nib");
+    TestSupport::writeFile(res + QLatin1String("English.lproj/MainMenu~.nib"), "a backup");
+    TestSupport::writeFile(res + QLatin1String("French.lproj/MainMenu.nib"), "une nib");
+    DictWindowController browser(dictPath(QStringLiteral("English-French")));
+    QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
+    const DictWindowController::ImportReport report = browser.importFiles({m_dir->filePath(QStringLiteral("Old.app"))});
+    QVERIFY(report.problems.isEmpty());
+    QVERIFY(browser.entries().isEmpty() && !browser.edited());
+    QVERIFY(finished.wait(20000));
+    QTest::qWait(100);
+    qunsetenv("VOCABRIX_SYSTEM_VERSION");
+    qunsetenv("VOCABRIX_NIBTOOL");
+    QCOMPARE(finished.count(), 1);  // the backup is never read
+    QCOMPARE(rowsOf(browser.entries()), (Rows{{"OK", "D'accord"}}));
+    QVERIFY(browser.edited());
 }
 
 QTEST_GUILESS_MAIN(TestDictBrowser)
