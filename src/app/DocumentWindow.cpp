@@ -1,5 +1,6 @@
 #include "DocumentWindow.h"
 
+#include "DictPanel.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "FileTableModel.h"
@@ -73,6 +74,8 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
     m_fileModel = new FileTableModel(document, this);
     m_entryModel = new EntryTableModel(document, this);
     buildLayout();
+    m_dictPanel = new DictPanel(document, m_entryEditor, this);
+    addDockWidget(Qt::RightDockWidgetArea, m_dictPanel);
     makeMyToolBarItems();
     makeMenus();
 

@@ -15,6 +15,7 @@
 
 class Dialogs;
 struct ExportResult;
+class DictPanel;
 class EntryEditor;
 class EntryTableModel;
 class FileTableModel;
@@ -53,6 +54,8 @@ public:
     FileTableModel *fileModel() const { return m_fileModel; }
     EntryTableModel *entryModel() const { return m_entryModel; }
     QToolBar *toolbar() const { return m_toolbar; }
+    // The lookup panel (a dock) of the document's dictionary.
+    DictPanel *dictPanel() const { return m_dictPanel; }
     // The toolbar's items by identifier ("AddFile", "Export", "ExportAll", "LanguageFrom", ...).
     QAction *toolbarItem(const QString &identifier) const { return m_toolbarItems.value(identifier); }
 
@@ -71,6 +74,8 @@ public:
     void selectNext();
     void selectPrevious();
     void checkLocalized();
+    // The browser of the document's language pair (through the application).
+    void showDictionaryBrowser();
 
     // ---- The document framework (DocumentWindowFile.cpp)
     bool save();
@@ -87,6 +92,8 @@ signals:
     void quitRequested();
     void recentMenuAboutToShow(QMenu *menu);
     void documentSaved(const QString &path);
+    void dictionaryBrowserRequested(const QString &baseKey, const QString &targetKey);
+    void dictionariesMenuAboutToShow(QMenu *menu);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -133,6 +140,7 @@ private:
     QProgressBar *m_busyIndicator = nullptr;
     QLabel *m_summary = nullptr;
     QToolBar *m_toolbar = nullptr;
+    DictPanel *m_dictPanel = nullptr;
     QHash<QString, QAction *> m_toolbarItems;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;

@@ -1,6 +1,7 @@
 // DocumentWindow: the toolbar, the menus and the commands they run.
 #include "DocumentWindow.h"
 
+#include "DictPanel.h"
 #include "Dialogs.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
@@ -168,6 +169,17 @@ void DocumentWindow::makeMenus()
     changed->setCheckable(true);
     connect(changed, &QAction::toggled, this, [this](bool on) { m_document->setShowOnlyChangedBase(on); });
     m_menuActions.insert(QStringLiteral("OnlyChangedBase"), changed);
+
+    QMenu *dictionary = menuBar()->addMenu(tr("&Dictionary"));
+    add(dictionary, QStringLiteral("ShowDictionaryBrowser"), tr("Show Dictionary &Browser"),
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_D), &DocumentWindow::showDictionaryBrowser);
+    QAction *panel = m_dictPanel->toggleViewAction();
+    panel->setText(tr("Lookup &Panel"));
+    panel->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_L));
+    dictionary->addAction(panel);
+    m_menuActions.insert(QStringLiteral("LookupPanel"), panel);
+    QMenu *dictionaries = dictionary->addMenu(tr("&Dictionaries"));
+    connect(dictionaries, &QMenu::aboutToShow, this, [this, dictionaries] { emit dictionariesMenuAboutToShow(dictionaries); });
 }
 
 // Export, export all and delete need a file; reverting needs a saved, changed document.
@@ -282,6 +294,12 @@ void DocumentWindow::selectPrevious()
     const int row = m_entryTable->currentIndex().row();
     if (row > 0) selectEntryRow(row - 1);
     m_entryEditor->focusEditor();
+}
+
+void DocumentWindow::showDictionaryBrowser()
+{
+    emit dictionaryBrowserRequested(StringUtility::wordOrEmpty(m_document->baseLanguageKey()),
+                                    StringUtility::wordOrEmpty(m_document->targetLanguageKey()));
 }
 
 void DocumentWindow::checkLocalized()

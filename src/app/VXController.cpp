@@ -1,5 +1,7 @@
 #include "VXController.h"
 
+#include "DictBrowserWindow.h"
+#include "DictWindowController.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "PrefWinController.h"
@@ -26,6 +28,8 @@ VXController::VXController(QObject *parent) : QObject(parent)
 VXController::~VXController()
 {
     delete m_prefWinController;
+    // Each browser saves its unsaved rows as it goes.
+    qDeleteAll(m_dictBrowsers);
 }
 
 void VXController::awakeFromNib()
@@ -72,6 +76,8 @@ DocumentWindow *VXController::makeWindow(MyDocument *document)
     connect(window, &DocumentWindow::preferencesRequested, this, &VXController::showPreferenceWindow);
     connect(window, &DocumentWindow::quitRequested, this, &VXController::quitRequested);
     connect(window, &DocumentWindow::documentSaved, this, [](const QString &path) { RecentDocuments::note(path); });
+    connect(window, &DocumentWindow::dictionaryBrowserRequested, this, &VXController::showDictBrowserForBase);
+    connect(window, &DocumentWindow::dictionariesMenuAboutToShow, this, &VXController::fillDictionariesMenu);
     connect(window, &DocumentWindow::recentMenuAboutToShow, this, [this](QMenu *menu) {
         RecentDocuments::fillMenu(menu, [this](const QString &path) { openDocument(path); });
     });
@@ -153,4 +159,32 @@ void VXController::showPreferenceWindow()
     m_prefWinController->show();
     m_prefWinController->raise();
     m_prefWinController->activateWindow();
+}
+
+DictBrowserWindow *VXController::showDictBrowserForBase(const QString &baseKey, const QString &targetKey)
+{
+    return showDictBrowserForPath(dictionaryPathrForBase(baseKey, targetKey));
+}
+
+DictBrowserWindow *VXController::showDictBrowserForPath(const QString &path)
+{
+    DictBrowserWindow *browser = m_dictBrowsers.value(path);
+    if (!browser) {
+        browser = new DictBrowserWindow(path);
+        if (m_windowDialogs || m_windowSavePanel) browser->setDialogs(m_windowDialogs, m_windowSavePanel);
+        m_dictBrowsers.insert(path, browser);
+    }
+    browser->show();
+    browser->raise();
+    browser->activateWindow();
+    return browser;
+}
+
+void VXController::fillDictionariesMenu(QMenu *menu)
+{
+    menu->clear();
+    const QStringList paths = DictWindowController::existingDictionaryPaths();
+    for (const QString &path : paths)
+        menu->addAction(QFileInfo(path).completeBaseName(), this, [this, path] { showDictBrowserForPath(path); });
+    if (paths.isEmpty()) menu->addAction(tr("No dictionary yet"))->setEnabled(false);
 }

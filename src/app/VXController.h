@@ -5,10 +5,12 @@
 
 #include "DocumentWindow.h"
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QPointer>
 
+class DictBrowserWindow;
 class Dialogs;
 class PrefWinController;
 
@@ -41,6 +43,13 @@ public:
     bool closeAll();
     QList<DocumentWindow *> windows() const;
 
+    // ---- Dictionary browsers: one per dictionary path, kept for the life of the process
+    DictBrowserWindow *showDictBrowserForBase(const QString &baseKey, const QString &targetKey);
+    DictBrowserWindow *showDictBrowserForPath(const QString &path);
+    const QHash<QString, DictBrowserWindow *> &dictBrowsers() const { return m_dictBrowsers; }
+    // The pair files that exist, one item each, opening their browsers.
+    void fillDictionariesMenu(QMenu *menu);
+
     void showPreferenceWindow();
     PrefWinController *prefWinController() const;
 
@@ -53,6 +62,7 @@ private:
 
     QList<QPointer<DocumentWindow>> m_windows;
     QPointer<PrefWinController> m_prefWinController;
+    QHash<QString, DictBrowserWindow *> m_dictBrowsers;
     Dialogs *m_dialogs = nullptr;
     Dialogs *m_windowDialogs = nullptr;
     SavePanel *m_windowSavePanel = nullptr;

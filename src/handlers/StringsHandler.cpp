@@ -14,6 +14,8 @@
 //  - Export replaces only the values that the translator changed; an untranslated value keeps
 //    its bytes. Entries are matched to the base table's pairs by key (the n-th entry of a key to
 //    the n-th pair of that key), so a base table edited since it was added still exports right.
+//  - A base table without pairs (an application whose English texts are its keys) takes its
+//    entries from the previous version's pairs, and export writes them after the base text.
 //  - A table the grammar refuses has no entries and is never written back: the user is told
 //    where it breaks.
 //  - The pairs returned for the dictionary are base word to localized word, as every handler's
@@ -91,6 +93,14 @@ QString syntaxWarning(const LocFile &file, const StringsTable::Error &error, con
     const QString where = error.line > 0 ? QStringLiteral(" at line %1").arg(error.line) : QString();
     return QStringLiteral("%1 breaks the string-table syntax%2 (%3). %4")
         .arg(displayPath(file.path()), where, error.message, QLatin1String(consequence));
+}
+
+// A plain word (a key of the previous version) in the escaped form of a table's quoted word.
+QString escapedTableWord(const QString &plain)
+{
+    QString word = plain;
+    word.replace(u'\\', QLatin1String("\\\\")).replace(u'"', QLatin1String("\\\""));
+    return word.replace(u'\n', QLatin1String("\\n"));
 }
 
 // The word of a table in the escaped form entries keep: line feeds as \n.
@@ -198,8 +208,21 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
             }
         }
     }
+    // Applications that use their English texts as keys ship a base table without pairs; their
+    // words live only in the localized tables. Exporting such a table as it is would replace
+    // the translations with nothing, so its entries are the previous version's pairs: key as
+    // base word, the previous word as translation (written after the base text on export).
+    if (pairCount == 0 && previous) {
+        for (const auto &[plainKey, plainValue] : *previous) {
+            const QString key = escapedTableWord(plainKey);
+            LocEntryPtr entry = LocEntry::initWithEntry(entryFormat.arg(key, key));
+            entry->setLocalizedWord(entryWord(plainValue));
+            entry->checkNeedToLocalize();
+            entries.append(entry);
+        }
+    }
     file.setAllEntries(entries);
-    if (pairCount == 0 && file.warnings().size() == warningsBefore)
+    if (entries.isEmpty() && file.warnings().size() == warningsBefore)
         file.addWarning(QStringLiteral("%1 holds no pairs to translate.").arg(displayPath(file.path())));
     file.finishReadingFile();
 }
@@ -245,6 +268,20 @@ StringMap makeLocalizedStringsFileAt(LocFile &file, const QString &folder)
         const OptString plainLocalized = unescapedTableWord(localized);
         if (plainBase && plainLocalized && !plainBase->isEmpty()) pairs.insert(*plainBase, *plainLocalized);
     }
+    // A base table without pairs: its entries came from the previous version and follow its text.
+    QString appended;
+    if (layout->pairs.isEmpty()) {
+        for (const LocEntryPtr &entry : file.allEntries()) {
+            const QString key = wordOrEmpty(entry->keyWord());
+            const QString localized = pairLineValue(*entry, key);
+            appended += QStringLiteral("\"%1\" = \"%2\";\n").arg(key, localized);
+            const OptString plainKey = unescapedTableWord(key);
+            const OptString plainLocalized = unescapedTableWord(localized);
+            if (plainKey && plainLocalized && !plainKey->isEmpty()) pairs.insert(*plainKey, *plainLocalized);
+        }
+        byKey.clear();
+        if (!appended.isEmpty() && !text.isEmpty() && !text.endsWith(u'\n')) appended.prepend(u'\n');
+    }
     qsizetype unmatched = 0;
     for (const auto &queue : std::as_const(byKey)) unmatched += queue.size();
     if (unmatched > 0)
@@ -254,7 +291,7 @@ StringMap makeLocalizedStringsFileAt(LocFile &file, const QString &folder)
                             .arg(unmatched == 1 ? QStringLiteral("1 entry is") : QStringLiteral("%1 entries are").arg(unmatched)));
 
     QSaveFile out(target);
-    if (!out.open(QIODevice::WriteOnly) || out.write(StringsLayout::withValues(text, *layout, values).toUtf8()) < 0
+    if (!out.open(QIODevice::WriteOnly) || out.write((StringsLayout::withValues(text, *layout, values) + appended).toUtf8()) < 0
         || !out.commit()) {
         file.addWarning(QStringLiteral("The localized table %1 could not be written (%2).")
                             .arg(displayPath(target), out.errorString()));

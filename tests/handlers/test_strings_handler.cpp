@@ -257,6 +257,24 @@ private slots:
         QVERIFY2(file->warnings().join(u'\n').contains(S("1 entry is")), qPrintable(file->warnings().join(u'\n')));
     }
 
+    // An application keyed by its English texts ships a base table of comments only: its words
+    // are the previous version's, and export must not write them away.
+    void tableWithoutPairsTakesThePreviousPairs()
+    {
+        const LocFilePtr file = read(B("/* Keys are the English texts. */\n"),
+                                     B("\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quit\";\n"));
+        QCOMPARE(words(file), S("Ouvrir « %@ »+|Quit+"));
+        QVERIFY(file->warnings().isEmpty());
+        file->allEntries().at(1)->setLocalizedWord(S("Quitter"));
+        const QString folder = exportFolder();
+        StringMap expected;
+        expected.insert(S("Open \"%@\""), S("Ouvrir « %@ »"));
+        expected.insert(S("Quit"), S("Quitter"));
+        QCOMPARE(file->makeLocalizedFileAt(folder), expected);
+        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
+                 S("/* Keys are the English texts. */\n\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quitter\";\n").toUtf8());
+    }
+
     void infoPlistTableReturnsNoPairs()
     {
         const LocFilePtr file = read(B("CFBundleName = \"Vienna\";\n"), {}, {}, S("InfoPlist.strings"));
