@@ -48,5 +48,6 @@ private:
     LocFilePtr m_file;
     QList<LocEntryPtr> m_entries;
     QHash<const LocEntry *, int> m_rows;  // built on demand: check marks arrive by the thousand
+    mutable int m_scansSinceRebuild = 0;
     QMetaObject::Connection m_entriesConnection;
 };

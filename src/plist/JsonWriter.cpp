@@ -1,34 +1,88 @@
 // JSON for the command line, written by hand because QJsonObject sorts its keys and the order of
 // a dictionary is part of what a user wants to see. Two-space indentation; tagged scalars on one
 // line; NaN and infinities, which JSON lacks, as the strings Apple's XML uses for them.
+#include "JsonWriter.h"
 #include "PlistInternal.h"
+
+namespace json {
+
+namespace {
+char hexDigit(unsigned v)
+{
+    return char(v < 10 ? '0' + v : 'a' + v - 10);
+}
+}  // namespace
+
+void appendString(QByteArray &out, QStringView s)
+{
+    // No unit takes more than six bytes (an escape; a character is at most three bytes per
+    // unit), so the room is made once and filled through a pointer.
+    const qsizetype start = out.size();
+    out.resize(start + 2 + 6 * s.size());
+    char *w = out.data() + start;
+    *w++ = '"';
+    const char16_t *p = s.utf16();
+    const char16_t *const end = p + s.size();
+    while (p < end) {
+        const char16_t u = *p++;
+        if (u >= 0x20 && u < 0x80 && u != u'"' && u != u'\\') {
+            *w++ = char(u);
+        } else if (u < 0x80) {
+            *w++ = '\\';
+            switch (u) {
+            case u'"': *w++ = '"'; break;
+            case u'\\': *w++ = '\\'; break;
+            case u'\b': *w++ = 'b'; break;
+            case u'\f': *w++ = 'f'; break;
+            case u'\n': *w++ = 'n'; break;
+            case u'\r': *w++ = 'r'; break;
+            case u'\t': *w++ = 't'; break;
+            default:
+                *w++ = 'u', *w++ = '0', *w++ = '0';
+                *w++ = hexDigit(u >> 4), *w++ = hexDigit(u & 0xF);
+            }
+        } else if (u < 0x800) {
+            *w++ = char(0xC0 | (u >> 6));
+            *w++ = char(0x80 | (u & 0x3F));
+        } else if (QChar::isHighSurrogate(u) && p < end && QChar::isLowSurrogate(*p)) {
+            const char32_t c = QChar::surrogateToUcs4(u, *p++);
+            *w++ = char(0xF0 | (c >> 18));
+            *w++ = char(0x80 | ((c >> 12) & 0x3F));
+            *w++ = char(0x80 | ((c >> 6) & 0x3F));
+            *w++ = char(0x80 | (c & 0x3F));
+        } else if (QChar::isSurrogate(u)) {
+            // Half a pair has no UTF-8 form; JSON can still carry it as an escape.
+            *w++ = '\\', *w++ = 'u';
+            for (int shift = 12; shift >= 0; shift -= 4) *w++ = hexDigit((u >> shift) & 0xF);
+        } else {
+            *w++ = char(0xE0 | (u >> 12));
+            *w++ = char(0x80 | ((u >> 6) & 0x3F));
+            *w++ = char(0x80 | (u & 0x3F));
+        }
+    }
+    *w++ = '"';
+    out.truncate(w - out.constData());
+}
+
+QString quoted(QStringView s)
+{
+    QByteArray bytes;
+    appendString(bytes, s);
+    return QString::fromUtf8(bytes);
+}
+
+void Writer::flush()
+{
+    if (m_buffer.isEmpty()) return;
+    m_sink(m_buffer);
+    m_buffer.truncate(0);  // keeps the allocation for the next chunk
+}
+
+}  // namespace json
 
 namespace plist {
 
 namespace {
-
-void appendString(QByteArray &out, const QString &s)
-{
-    out.append('"');
-    const QByteArray utf8 = s.toUtf8();
-    for (char c : utf8) {
-        switch (c) {
-        case '"': out.append("\\\""); break;
-        case '\\': out.append("\\\\"); break;
-        case '\n': out.append("\\n"); break;
-        case '\r': out.append("\\r"); break;
-        case '\t': out.append("\\t"); break;
-        case '\b': out.append("\\b"); break;
-        case '\f': out.append("\\f"); break;
-        default:
-            if (uchar(c) < 0x20)
-                out.append("\\u00").append(QByteArray::number(uchar(c), 16).rightJustified(2, '0'));
-            else
-                out.append(c);
-        }
-    }
-    out.append('"');
-}
 
 void tagged(QByteArray &out, const char *tag, const QByteArray &json)
 {
@@ -40,7 +94,7 @@ void appendValue(QByteArray &out, const Value &v, int level)
     const QByteArray inner((level + 1) * 2, ' ');
     switch (v.type()) {
     case Type::String:
-        appendString(out, v.string());
+        json::appendString(out, v.string());
         return;
     case Type::Integer:
         tagged(out, "integer",
@@ -82,7 +136,7 @@ void appendValue(QByteArray &out, const Value &v, int level)
         out.append("{\n");
         for (qsizetype i = 0; i < v.dictionary().size(); ++i) {
             out.append(inner);
-            appendString(out, v.dictionary()[i].first);
+            json::appendString(out, v.dictionary()[i].first);
             out.append(": ");
             appendValue(out, v.dictionary()[i].second, level + 1);
             out.append(i + 1 < v.dictionary().size() ? ",\n" : "\n");

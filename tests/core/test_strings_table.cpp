@@ -63,6 +63,19 @@ private slots:
         QTest::newRow("two values") << S("\"a\" = \"1\" \"2\";") << nothing;
         QTest::newRow("nested value") << S("\"a\" = { b = c; };") << nothing;
         QTest::newRow("stray character") << S("\"a\" = \"1\"; #") << nothing;
+        // Quoted words are scanned several bytes at a time: ends, escapes and non-ASCII bytes
+        // on either side of those steps.
+        QTest::newRow("quote right after eight bytes") << S("\"12345678\" = \"1234567\";")
+                                                       << std::optional(mapOf({{"12345678", "1234567"}}));
+        QTest::newRow("escape past the first step") << S("\"abcdefghijklmnopqrst\" = \"0123456789ab\\\"cd\";")
+                                                    << std::optional(mapOf({{"abcdefghijklmnopqrst", "0123456789ab\"cd"}}));
+        QTest::newRow("non-ASCII before the end of a step") << S("\"1234567é\" = \"é1234567890123\";")
+                                                            << std::optional(mapOf({{"1234567é", "é1234567890123"}}));
+        QTest::newRow("non-ASCII after the quote is not the word's")
+            << S("\"abcdefghi\" = \"x\"; /* é */") << std::optional(mapOf({{"abcdefghi", "x"}}));
+        QTest::newRow("stars inside a comment") << S("/* a * b ** / c **/ \"k\" = \"v\"; /**/")
+                                                << std::optional(mapOf({{"k", "v"}}));
+        QTest::newRow("comment ends in a star") << S("\"k\" = \"v\"; /* open *") << nothing;
     }
     void grammar()
     {
@@ -70,6 +83,9 @@ private slots:
         QFETCH(std::optional<StringMap>, expected);
         const auto got = StringsTable::parse(text);
         QVERIFY2(got == expected, qPrintable(S("got ") + describe(got) + S(", expected ") + describe(expected)));
+        // The UTF-8 bytes go through their own scanner and must read the same.
+        const auto fromBytes = StringsTable::parseData(text.toUtf8());
+        QVERIFY2(fromBytes == expected, qPrintable(S("from UTF-8 got ") + describe(fromBytes)));
     }
 
     void keysKeepTheirFirstPlace()
