@@ -373,10 +373,11 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error)
 namespace {
 
 // The same dictionary is read once for every file added to a document: a large one would be
-// parsed hundreds of times over. The maps of the last few files read more than once are kept
-// with the bytes they came from; reading the bytes again and comparing them is cheap beside
-// parsing, and makes a stale answer impossible whatever happened to the file meanwhile. A file
-// read only once (all the command line does) costs a remembered path, not a kept map.
+// parsed hundreds of times over. The maps of the last few files read are kept with the bytes
+// they came from; reading the bytes again and comparing them is cheap beside parsing, and
+// makes a stale answer impossible whatever happened to the file meanwhile. Keeping them costs a
+// single read (the command line) no memory at its peak: the bytes are alive while they are
+// parsed, and the map kept shares its storage with the one returned.
 struct CachedRead {
     QString path;
     QByteArray bytes;
@@ -385,7 +386,6 @@ struct CachedRead {
 struct ReadCache {
     QMutex mutex;
     QList<CachedRead> tables;
-    QStringList readOnce;  // large files read once so far, the latest first
 };
 ReadCache &readCache()
 {
@@ -394,7 +394,6 @@ ReadCache &readCache()
     return *cache;
 }
 constexpr qsizetype kCachedFiles = 4;
-constexpr qsizetype kRememberedPaths = 32;
 constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse faster than they compare
 
 }  // namespace
@@ -411,14 +410,9 @@ std::optional<StringMap> StringsTable::parseFileData(const QString &path, const 
     auto map = parseData(bytes, error);
     if (map && cacheable) {
         QMutexLocker lock(&cache.mutex);
-        if (cache.readOnce.removeAll(path) == 0) {
-            cache.readOnce.prepend(path);
-            if (cache.readOnce.size() > kRememberedPaths) cache.readOnce.removeLast();
-        } else {
-            cache.tables.removeIf([&](const CachedRead &c) { return c.path == path; });
-            cache.tables.prepend({path, bytes, *map});
-            while (cache.tables.size() > kCachedFiles) cache.tables.removeLast();
-        }
+        cache.tables.removeIf([&](const CachedRead &c) { return c.path == path; });
+        cache.tables.prepend({path, bytes, *map});
+        while (cache.tables.size() > kCachedFiles) cache.tables.removeLast();
     }
     return map;
 }
