@@ -31,19 +31,25 @@ qsizetype find(const char16_t *text, qsizetype size, std::u16string_view key, qs
     if (m == 0) return from <= size ? from : -1;
     qsizetype i = from;
 #if defined(__SSE2__)
-    // Eight positions at a time: a position is a candidate only when both the key's first unit
+    // Many positions at a time: a position is a candidate only when both the key's first unit
     // and its last unit (m - 1 further on) are in place, which rules out nearly every position
-    // with two compares; the units in between are compared for candidates only. Both loads stay
-    // within the text because i + m - 1 + 8 <= size.
+    // with two compares; the units in between are compared for candidates only. All loads stay
+    // within the text because i + m - 1 + 16 <= size.
     const __m128i first = _mm_set1_epi16(short(key.front()));
     const __m128i last = _mm_set1_epi16(short(key.back()));
-    for (; i + m - 1 + 8 <= size; i += 8) {
-        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + i));
-        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + i + m - 1));
+    const auto candidates = [&](qsizetype at) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + at));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(text + at + m - 1));
+        return _mm_and_si128(_mm_cmpeq_epi16(a, first), _mm_cmpeq_epi16(b, last));
+    };
+    for (; i + m - 1 + 16 <= size; i += 16) {
+        // Sixteen positions per step: most steps have no candidate at all.
+        const __m128i low = candidates(i), high = candidates(i + 8);
+        if (!_mm_movemask_epi8(_mm_or_si128(low, high))) continue;
         // Two mask bits per unit, both set for a candidate.
-        unsigned mask = unsigned(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi16(a, first), _mm_cmpeq_epi16(b, last))));
+        quint32 mask = quint32(_mm_movemask_epi8(low)) | (quint32(_mm_movemask_epi8(high)) << 16);
         while (mask) {
-            const qsizetype at = i + __builtin_ctz(mask) / 2;
+            const qsizetype at = i + qCountTrailingZeroBits(mask) / 2;
             if (m <= 2 || std::memcmp(text + at + 1, key.data() + 1, size_t(m - 2) * sizeof(char16_t)) == 0) return at;
             mask &= mask - 1;
             mask &= mask - 1;

@@ -115,10 +115,12 @@ public:
         return 1 + std::count(before.begin(), before.end(), '\n');
     }
     bool hasError() const { return m_decoder.hasError(); }
-    // Appends the next block to `text`.
+    // Appends the next block to `text`. A block is at least as long as the text already there,
+    // so a pair that spans many blocks (or an error that keeps asking for more) is parsed again
+    // a logarithmic number of times, not once per block.
     void decodeNext(QString &text)
     {
-        qsizetype n = qMin(kBlock, m_rest.size());
+        qsizetype n = qMin(qMax(kBlock, text.size()), m_rest.size());
         // Back up over continuation bytes (at most three) to the start of a character. Stray
         // continuation bytes stay where they are and make the decoder report an error.
         for (int k = 0; k < 3 && n < m_rest.size() && n > 1 && (uchar(m_rest[n]) & 0xC0) == 0x80; ++k) --n;

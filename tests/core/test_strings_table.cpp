@@ -6,6 +6,7 @@
 #include <QDirIterator>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStringDecoder>
 #include <QStringEncoder>
 #include <QTest>
 
@@ -119,6 +120,42 @@ private slots:
         StringsTable::Error error;
         QVERIFY(!StringsTable::parseData("\"a\" = \"\x8a\";", &error));
         QVERIFY(!error.message.isEmpty());
+    }
+
+    // UTF-8 tables are decoded and parsed a block at a time; a pair cut by the end of a block is
+    // read again once the next block is in. Every construct is moved across the first block's
+    // end (256 KiB in) one byte at a time, and must read as the decoded text reads, errors and
+    // their lines included.
+    void blockEndsFallAnywhere_data()
+    {
+        QTest::addColumn<QByteArray>("tail");
+        QTest::newRow("pairs of every kind")
+            << QByteArray("/* a * comment **/ \"key\" = \"va\\\"lue\\n\"; // line\r\nunquoted = w0rd.x;\n"
+                          "\"short\";\n\"\xC3\xA9\xE9\x96\x8B\xF0\x9F\x98\x80\" = \"\xE2\x80\xA8\";\n\"last\" = \"1\";\n");
+        QTest::newRow("a syntax error after the block end") << QByteArray("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";\n");
+        QTest::newRow("an unclosed comment") << QByteArray("\"a\" = \"1\";\n/* open * /\n");
+        QTest::newRow("a broken character") << QByteArray("\"a\" = \"\xE9\x96\";\n");
+    }
+    void blockEndsFallAnywhere()
+    {
+        QFETCH(QByteArray, tail);
+        constexpr qsizetype block = 256 * 1024;
+        for (qsizetype shift = 0; shift <= tail.size() + 4; ++shift) {
+            // A pair, space up to just before the block end, then the tail across it.
+            const QByteArray head = "\"k\" = \"v\";\n";
+            const QByteArray data = head + QByteArray(block - shift - head.size(), ' ') + tail;
+            StringsTable::Error fromBytes, fromText;
+            const auto got = StringsTable::parseData(data, &fromBytes);
+            QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+            const QString text = decoder.decode(data);
+            const auto expected = decoder.hasError() ? std::nullopt : StringsTable::parse(text, &fromText);
+            QVERIFY2(got == expected, qPrintable(S("shift %1: got %2 pairs").arg(shift).arg(got ? got->size() : -1)));
+            if (!expected && !decoder.hasError()) {
+                QCOMPARE(fromBytes.line, fromText.line);
+                QCOMPARE(fromBytes.message, fromText.message);
+            }
+            if (decoder.hasError()) QCOMPARE(fromBytes.message, S("the file is neither UTF-8 nor UTF-16 with a byte-order mark"));
+        }
     }
 
     void files()
