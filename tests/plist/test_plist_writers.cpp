@@ -262,6 +262,10 @@ void WriterTest::jsonStringsAsQtWritesThem_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("empty") << QString();
     QTest::newRow("plain ASCII") << QStringLiteral("Open Recent %@");
+    // Runs of plain ASCII go eight units at a time: escapes and other characters at every place
+    // of such a run.
+    QTest::newRow("long mixed run") << QString::fromUtf8("01234567\"abcdefg\x01hijklmn\\opqrstu\x7fvwxyz\xc3\xa9""0123456789abcdef"
+                                                         "ghij\xe9\x96\x8b" "klmnopqr\xf0\x9f\x98\x80stuvwxyz");
     QTest::newRow("quote and backslash") << QStringLiteral("say \"hi\" C:\\dir\\");
     QTest::newRow("named controls") << QStringLiteral("\b\f\n\r\t");
     QString controls;
