@@ -140,11 +140,12 @@ std::vector<qsizetype> EntrySearch::matchesInBuffer(std::u16string_view key) con
     std::vector<qsizetype> out;
     const auto size = qsizetype(m_folded.size());
     qsizetype at = TextSearch::find(m_folded.data(), size, key, 0);
-    auto slot = m_start.cbegin();
+    size_t slot = 0;
     while (at >= 0) {
-        slot = std::upper_bound(slot, m_start.cend(), at) - 1;
-        out.push_back(slot - m_start.cbegin());
-        at = TextSearch::find(m_folded.data(), size, key, *(slot + 1));  // one match is enough for a text
+        // Slots only move forward: over a whole search this walks each slot once at most.
+        while (m_start[slot + 1] <= at) ++slot;
+        out.push_back(qsizetype(slot));
+        at = TextSearch::find(m_folded.data(), size, key, m_start[slot + 1]);  // one match is enough for a text
     }
     return out;
 }
