@@ -31,6 +31,8 @@ int hexValue(char16_t c)
     return -1;
 }
 
+const char16_t *findEither(const char16_t *p, const char16_t *end, char16_t a, char16_t b);
+
 // Unescapes the inside of a quoted word (which holds at least one backslash).
 QString unescape(const char16_t *p, const char16_t *const end)
 {
@@ -40,7 +42,10 @@ QString unescape(const char16_t *p, const char16_t *const end)
     char16_t *const first = w;
     while (p < end) {
         if (*p != u'\\') {
-            *w++ = *p++;
+            const char16_t *next = findEither(p, end, u'\\', u'\\');
+            std::memcpy(w, p, size_t(next - p) * sizeof(char16_t));
+            w += next - p;
+            p = next;
             continue;
         }
         const char16_t c = *++p;
@@ -286,15 +291,10 @@ private:
     bool quoted(QString &out)
     {
         const char16_t *start = ++p;
-        p = findEither(p, m_end, u'"', u'\\');
         bool escaped = false;
-        while (p < m_end && *p != u'"') {
-            if (*p == u'\\') {
-                escaped = true;
-                ++p;
-            }
-            ++p;
-        }
+        // From backslash to backslash: an escape takes the backslash and the unit after it.
+        for (p = findEither(p, m_end, u'"', u'\\'); p < m_end && *p == u'\\'; p = findEither(p + 2, m_end, u'"', u'\\'))
+            escaped = true;
         if (p >= m_end) {
             p = m_end;
             m_message = QStringLiteral("a quoted string is not closed");

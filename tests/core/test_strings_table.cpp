@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include <QDirIterator>
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringDecoder>
@@ -96,6 +97,42 @@ private slots:
         QCOMPARE(m->pairs().size(), 2);
         QCOMPARE(m->pairs().at(0), StringMap::Pair(S("b"), S("3")));
         QCOMPARE(m->pairs().at(1).first, S("a"));
+    }
+
+    // The map's own index grows while keys arrive; against a plain hash and list, every key is
+    // found with its last value, in the order of first insertion, across many growths.
+    void mapAgreesWithAHashAndAList()
+    {
+        StringMap map;
+        QHash<QString, QString> values;
+        QStringList order;
+        for (int i = 0; i < 20000; ++i) {
+            const QString key = S("k") + QString::number((i * 7919) % 13001);  // repeats, out of order
+            const QString value = QString::number(i);
+            if (!values.contains(key)) order.append(key);
+            values.insert(key, value);
+            if (i % 2) map.insert(key, value);
+            else map.insert(QString(key), QString(value));
+        }
+        QCOMPARE(map.size(), order.size());
+        for (qsizetype i = 0; i < order.size(); ++i) {
+            QCOMPARE(map.pairs().at(i).first, order.at(i));
+            QCOMPARE(map.value(order.at(i)), values.value(order.at(i)));
+        }
+        QVERIFY(!map.contains(S("k13001")));
+        QVERIFY(map.value(S("missing")).isNull());
+        StringMap merged;
+        merged.insert(S("k0"), S("mine"));
+        merged.insert(S("own"), S("1"));
+        merged.insertAll(map);
+        QCOMPARE(merged.size(), map.size() + 1);
+        QCOMPARE(merged.value(S("k0")), map.value(S("k0")));
+        QCOMPARE(merged.pairs().first().first, S("k0"));
+        StringMap copy;
+        copy.insertAll(map);
+        copy.insert(S("extra"), S("x"));  // the copy shares storage until it changes
+        QCOMPARE(copy.size(), map.size() + 1);
+        QVERIFY(!map.contains(S("extra")));
     }
 
     void errorsSayWhere()
