@@ -77,15 +77,21 @@ QList<LocEntryPtr> EntrySearch::search(const QList<LocEntryPtr> &all, const OptS
         m_lastValid = true;
     }
 
-    QList<LocEntryPtr> shown;
-    shown.reserve(everything ? m_all.size() : qsizetype(matches.size()));
+    std::vector<qsizetype> passing;
+    passing.reserve(everything ? size_t(m_all.size()) : matches.size());
     if (everything) {
         for (qsizetype i = 0; i < m_all.size(); ++i)
-            if (passes(i, filters)) shown.append(m_all.at(i));
+            if (passes(i, filters)) passing.push_back(i);
     } else {
         for (qsizetype i : matches)
-            if (passes(i, filters)) shown.append(m_all.at(i));
+            if (passes(i, filters)) passing.push_back(i);
     }
+    // Every entry shown: the full list itself, shared, saves copying (and later releasing) a
+    // pointer per entry.
+    if (qsizetype(passing.size()) == m_all.size()) return m_all;
+    QList<LocEntryPtr> shown;
+    shown.reserve(qsizetype(passing.size()));
+    for (qsizetype i : passing) shown.append(m_all.at(i));
     return shown;
 }
 
