@@ -38,6 +38,7 @@ void EntryTableModel::rebuild()
     m_entries = m_file ? m_file->entries() : QList<LocEntryPtr>();
     if (m_problemsOnly) m_entries.removeIf([this](const LocEntryPtr &e) { return m_quality.problems(*e).isEmpty(); });
     m_rows.clear();
+    m_scansSinceRebuild = 0;
     endResetModel();
     emit entriesReset();
 }
@@ -56,12 +57,19 @@ LocEntryPtr EntryTableModel::entryAt(int row) const
 
 int EntryTableModel::rowOfEntry(const LocEntry *entry) const
 {
-    if (m_rows.isEmpty() && !m_entries.isEmpty()) {
+    if (!m_rows.isEmpty()) return m_rows.value(entry, -1);
+    // One look-up after a rebuild (the window finding its selection again) is a scan: building
+    // the index would cost more than it saves. Repeated look-ups (check marks by the thousand)
+    // build it.
+    if (++m_scansSinceRebuild > 4 && !m_entries.isEmpty()) {
         auto &rows = const_cast<QHash<const LocEntry *, int> &>(m_rows);
         rows.reserve(m_entries.size());
         for (int i = 0; i < m_entries.size(); ++i) rows.insert(m_entries.at(i).get(), i);
+        return m_rows.value(entry, -1);
     }
-    return m_rows.value(entry, -1);
+    for (int i = 0; i < m_entries.size(); ++i)
+        if (m_entries.at(i).get() == entry) return i;
+    return -1;
 }
 
 void EntryTableModel::entryChanged(const LocEntry *entry)

@@ -54,6 +54,7 @@ private:
     LocFilePtr m_file;
     QList<LocEntryPtr> m_entries;
     QHash<const LocEntry *, int> m_rows;  // built on demand: check marks arrive by the thousand
+    mutable int m_scansSinceRebuild = 0;
     QMetaObject::Connection m_entriesConnection;
     bool m_problemsOnly = false;
     mutable Qa::QualityCache m_quality;  // the check column's icon and tool tip

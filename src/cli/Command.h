@@ -2,6 +2,8 @@
 // vocabrix-cli subcommands. Each lives in its own source file and registers itself with a
 // static CommandRegistration, so adding one touches nothing else.
 
+#include "JsonWriter.h"
+
 #include <QStringList>
 #include <QTextStream>
 #include <functional>
@@ -22,3 +24,6 @@ struct CommandRegistration {
 
 // JSON text of a string, quotes included.
 QString jsonString(const QString &s);
+// JSON for the command's output: what `out` holds is flushed first, then the writer's bytes go
+// straight to its device (no text stream between), in order with anything written after it is gone.
+json::Writer jsonOutput(QTextStream &out);

@@ -7,9 +7,9 @@
 
 namespace {
 
-QString jsonWord(const OptString &word)
+json::Writer &word(json::Writer &json, const OptString &word)
 {
-    return word ? jsonString(*word) : QStringLiteral("null");
+    return word ? json.string(*word) : json.raw("null");
 }
 
 int runEntries(const QStringList &args, QTextStream &out, QTextStream &err)
@@ -37,18 +37,22 @@ int runEntries(const QStringList &args, QTextStream &out, QTextStream &err)
         err << "vocabrix-cli: " << path << ": not a resource file (the extension must be strings, plist, nib or xib)\n";
         return 1;
     }
-    for (const LocEntryPtr &e : file->allEntries()) {
-        out << "{\"key\":" << jsonWord(e->keyWord()) << ",\"baseWord\":" << jsonWord(e->baseWord())
-            << ",\"localizedWord\":" << jsonWord(e->localizedWord()) << ",\"check\":"
-            << (e->isChecked() ? "true" : "false") << ",\"entry\":" << jsonString(e->entry());
-        if (!e->developerComment().isEmpty()) out << ",\"comment\":" << jsonString(e->developerComment());
-        out << "}\n";
+    {
+        json::Writer json = jsonOutput(out);
+        for (const LocEntryPtr &e : file->allEntries()) {
+            word(json.raw("{\"key\":"), e->keyWord()).raw(",\"baseWord\":");
+            word(json, e->baseWord()).raw(",\"localizedWord\":");
+            word(json, e->localizedWord()).raw(",\"check\":").raw(e->isChecked() ? "true" : "false");
+            json.raw(",\"entry\":").string(e->entry());
+            if (!e->developerComment().isEmpty()) json.raw(",\"comment\":").string(e->developerComment());
+            json.raw("}\n");
+        }
+        json.raw("{\"status\":").string(file->status()).raw(",\"warnings\":[");
+        for (qsizetype i = 0; i < file->warnings().size(); ++i) json.raw(i ? "," : "").string(file->warnings().at(i));
+        json.raw("]");
+        if (!file->initError().isEmpty()) json.raw(",\"initError\":").string(file->initError());
+        json.raw("}\n");
     }
-    out << "{\"status\":" << jsonString(file->status()) << ",\"warnings\":[";
-    for (qsizetype i = 0; i < file->warnings().size(); ++i) out << (i ? "," : "") << jsonString(file->warnings().at(i));
-    out << "]";
-    if (!file->initError().isEmpty()) out << ",\"initError\":" << jsonString(file->initError());
-    out << "}\n";
     for (const QString &warning : file->warnings()) err << "vocabrix-cli: warning: " << warning << "\n";
     return 0;
 }

@@ -42,13 +42,16 @@ int runExport(const QStringList &args, QTextStream &out, QTextStream &err)
         return 1;
     }
     const StringMap pairs = file->makeLocalizedFileAt(folder);
-    out << "{";
-    bool first = true;
-    for (const auto &[key, value] : pairs) {
-        out << (first ? "" : ",") << jsonString(key) << ":" << jsonString(value);
-        first = false;
+    {
+        json::Writer json = jsonOutput(out);
+        json.raw("{");
+        bool first = true;
+        for (const auto &[key, value] : pairs) {
+            json.raw(first ? "" : ",").string(key).raw(":").string(value);
+            first = false;
+        }
+        json.raw("}\n");
     }
-    out << "}\n";
     for (const QString &warning : file->warnings()) err << "vocabrix-cli: warning: " << warning << "\n";
     const QString written = QDir(folder).filePath(QFileInfo(path).fileName());
     if (!QFileInfo::exists(written)) {

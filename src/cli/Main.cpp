@@ -5,9 +5,7 @@
 #include "VocabrixVersion.h"
 
 #include <QCoreApplication>
-#include <QJsonDocument>
-#include <QJsonArray>
-#include <QJsonValue>
+#include <QIODevice>
 #include <algorithm>
 
 QList<Command> &commands()
@@ -18,9 +16,16 @@ QList<Command> &commands()
 
 QString jsonString(const QString &s)
 {
-    // QJsonDocument cannot hold a bare string; wrap it in an array and take the element's text.
-    const QByteArray array = QJsonDocument(QJsonArray{QJsonValue(s)}).toJson(QJsonDocument::Compact);
-    return QString::fromUtf8(array.mid(1, array.size() - 2));
+    return json::quoted(s);
+}
+
+json::Writer jsonOutput(QTextStream &out)
+{
+    out.flush();
+    return json::Writer([&out](QByteArrayView bytes) {
+        if (QIODevice *device = out.device()) device->write(bytes.data(), bytes.size());
+        else out << QString::fromUtf8(bytes);
+    });
 }
 
 static void printHelp(QTextStream &out)

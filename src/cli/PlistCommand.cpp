@@ -17,7 +17,7 @@ int runPlist(const QStringList &args, QTextStream &out, QTextStream &err)
         err << "\n";
         return 1;
     }
-    out << QString::fromUtf8(plist::toJson(*result.value)) << "\n";
+    jsonOutput(out).raw(plist::toJson(*result.value)).raw("\n");
     return 0;
 }
 

@@ -20,13 +20,14 @@ static int runStrings(const QStringList &args, QTextStream &out, QTextStream &er
         err << "\n";
         return 1;
     }
-    out << "{";
+    json::Writer json = jsonOutput(out);
+    json.raw("{");
     bool first = true;
     for (const auto &pair : *map) {
-        out << (first ? "" : ",") << jsonString(pair.first) << ":" << jsonString(pair.second);
+        json.raw(first ? "" : ",").string(pair.first).raw(":").string(pair.second);
         first = false;
     }
-    out << "}\n";
+    json.raw("}\n");
     return 0;
 }
 

@@ -97,30 +97,16 @@ StringMap LocFile::translatorPairs(const StringMap &pairs) const
 
 void LocFile::resetEntries()
 {
-    const Settings &settings = Settings::instance();
-    const bool ignoreEmpty = settings.boolValue(SettingsKey::IgnoreEmptyWords);
-    const bool ignoreLocalized = settings.boolValue(SettingsKey::IgnoreLocalizedWords);
-    QList<LocEntryPtr> shown;
-    shown.reserve(m_allEntries.size());
-    for (const LocEntryPtr &e : m_allEntries) {
-        if (ignoreEmpty && StringUtility::wordLength(e->baseWord()) == 0
-            && StringUtility::wordLength(e->localizedWord()) == 0)
-            continue;
-        if (ignoreLocalized && e->isChecked()) continue;
-        shown.append(e);
-    }
-    setEntries(shown);
+    searchEntryWithKey(std::nullopt);
 }
 
 void LocFile::searchEntryWithKey(const OptString &key)
 {
-    resetEntries();
-    if (!key || key->isEmpty()) return;
-    const StringUtility::CaseInsensitiveMatcher matcher(*key);
-    QList<LocEntryPtr> found;
-    for (const LocEntryPtr &e : std::as_const(m_entries))
-        if (matcher.foundIn(e->entry())) found.append(e);
-    setEntries(found);
+    const Settings &settings = Settings::instance();
+    EntrySearch::Filters filters;
+    filters.ignoreEmpty = settings.boolValue(SettingsKey::IgnoreEmptyWords);
+    filters.ignoreLocalized = settings.boolValue(SettingsKey::IgnoreLocalizedWords);
+    setEntries(m_search.search(m_allEntries, key, filters));
 }
 
 LocEntryPtr LocFile::entryForKey(const OptString &baseWord) const

@@ -3,6 +3,7 @@
 // (filtered by two settings and a search text), its state for the file table, and the dispatch
 // to the handler of its resource type for reading and for writing the localized counterpart.
 
+#include "EntrySearch.h"
 #include "LocEntry.h"
 #include "ResourceHandler.h"
 
@@ -83,6 +84,7 @@ private:
     QStringList m_warnings;
     QList<LocEntryPtr> m_entries;
     QList<LocEntryPtr> m_allEntries;
+    EntrySearch m_search;
 };
 
 using LocFilePtr = std::shared_ptr<LocFile>;

@@ -1,17 +1,38 @@
 #include "StringUtility.h"
 
+#include "TextSearch.h"
+
 #include <QFile>
 #include <QStringDecoder>
 
+#include <algorithm>
+
 namespace StringUtility {
+
+namespace {
+// QString::indexOf ignoring case, as the cutting functions compare. Their delimiters are mostly
+// quotes, spaces and signs: no character but itself folds to one of those, so for such a
+// delimiter ignoring case changes nothing and the much faster exact search gives the same place.
+qsizetype indexOfIgnoringCase(QStringView text, const QString &delimiter, qsizetype from = 0)
+{
+    const bool caseless = std::all_of(delimiter.cbegin(), delimiter.cend(), [](QChar c) {
+        return c.unicode() < 0x80 && !((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'));
+    });
+    if (!caseless) return text.indexOf(delimiter, from, Qt::CaseInsensitive);
+    if (from < 0 || from > text.size()) return -1;
+    return TextSearch::find(reinterpret_cast<const char16_t *>(text.data()), text.size(),
+                            std::u16string_view(reinterpret_cast<const char16_t *>(delimiter.constData()), size_t(delimiter.size())),
+                            from);
+}
+}  // namespace
 
 OptString substringFrom(const QString &text, const QString &open, const QString &close)
 {
-    const qsizetype at = text.indexOf(open, 0, Qt::CaseInsensitive);
+    const qsizetype at = indexOfIgnoringCase(text, open);
     if (at < 0) return std::nullopt;
     const qsizetype start = at + open.size();
     if (start >= text.size()) return std::nullopt;
-    const qsizetype end = text.indexOf(close, start, Qt::CaseInsensitive);
+    const qsizetype end = indexOfIgnoringCase(text, close, start);
     if (end < 0 || end == start) return std::nullopt;
     return text.mid(start, end - start);
 }
@@ -20,17 +41,17 @@ OptString substringFrom(const QString &text, const QString &open, const QString 
                         qsizetype length)
 {
     if (start < 0 || length < 0 || start + length > text.size()) return std::nullopt;
-    const qsizetype at = QStringView(text).mid(start, length).indexOf(open, 0, Qt::CaseInsensitive);
+    const qsizetype at = indexOfIgnoringCase(QStringView(text).mid(start, length), open);
     if (at < 0) return std::nullopt;
     const qsizetype from = start + at + open.size();
-    const qsizetype end = text.indexOf(close, from, Qt::CaseInsensitive);
+    const qsizetype end = indexOfIgnoringCase(text, close, from);
     if (end < 0 || end == from) return std::nullopt;
     return text.mid(from, end - from);
 }
 
 OptString substringFrom(const QString &text, const QString &delimiter)
 {
-    const qsizetype at = text.indexOf(delimiter, 0, Qt::CaseInsensitive);
+    const qsizetype at = indexOfIgnoringCase(text, delimiter);
     if (at < 0) return std::nullopt;
     const qsizetype start = at + delimiter.size();
     if (start >= text.size()) return std::nullopt;
@@ -39,7 +60,7 @@ OptString substringFrom(const QString &text, const QString &delimiter)
 
 OptString substringTo(const QString &text, const QString &delimiter)
 {
-    const qsizetype at = text.indexOf(delimiter, 0, Qt::CaseInsensitive);
+    const qsizetype at = indexOfIgnoringCase(text, delimiter);
     if (at <= 0) return std::nullopt;
     return text.left(at);
 }

@@ -6,8 +6,12 @@
 #include <QMutex>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <cstring>
-#include <type_traits>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace StringsTable {
 namespace {
@@ -27,6 +31,8 @@ int hexValue(char16_t c)
     return -1;
 }
 
+const char16_t *findEither(const char16_t *p, const char16_t *end, char16_t a, char16_t b);
+
 // Unescapes the inside of a quoted word (which holds at least one backslash).
 QString unescape(const char16_t *p, const char16_t *const end)
 {
@@ -36,7 +42,10 @@ QString unescape(const char16_t *p, const char16_t *const end)
     char16_t *const first = w;
     while (p < end) {
         if (*p != u'\\') {
-            *w++ = *p++;
+            const char16_t *next = findEither(p, end, u'\\', u'\\');
+            std::memcpy(w, p, size_t(next - p) * sizeof(char16_t));
+            w += next - p;
+            p = next;
             continue;
         }
         const char16_t c = *++p;
@@ -72,102 +81,194 @@ QString unescape(const char16_t *p, const char16_t *const end)
     return out;
 }
 
-// Text of a span of the input: UTF-16 units are copied, UTF-8 bytes decoded (already validated).
-QString spanText(const char16_t *b, const char16_t *e) { return QString(reinterpret_cast<const QChar *>(b), e - b); }
-QString spanText(const char *b, const char *e) { return QString::fromUtf8(b, e - b); }
-QString unescapeSpan(const char16_t *b, const char16_t *e) { return unescape(b, e); }
-QString unescapeSpan(const char *b, const char *e)
+// First unit at or after p that is `a` or `b`, or end.
+const char16_t *findEither(const char16_t *p, const char16_t *const end, char16_t a, char16_t b)
 {
-    // Escapes are ASCII, so decoding first and unescaping after gives the same words.
-    const QString decoded = spanText(b, e);
-    const auto *units = reinterpret_cast<const char16_t *>(decoded.constData());
-    return unescape(units, units + decoded.size());
+#if defined(__SSE2__)
+    // Eight units at a time; the mask has two bits per unit, so the first set bit over two is
+    // the first unit that matched.
+    const __m128i va = _mm_set1_epi16(short(a)), vb = _mm_set1_epi16(short(b));
+    while (end - p >= 8) {
+        const __m128i units = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const int mask = _mm_movemask_epi8(_mm_or_si128(_mm_cmpeq_epi16(units, va), _mm_cmpeq_epi16(units, vb)));
+        if (mask) return p + qCountTrailingZeroBits(uint(mask)) / 2;
+        p += 8;
+    }
+#endif
+    while (p < end && *p != a && *p != b) ++p;
+    return p;
 }
 
-// Runs over UTF-16 units or over UTF-8 bytes: every character of the syntax is ASCII, so the
-// bytes need no decoding except inside the words themselves, which saves a pass over the text.
-template <typename Ch>
+// Bytes the units take in UTF-8 (they are well formed: a surrogate is half of a pair).
+qsizetype utf8Length(const char16_t *p, const char16_t *const end)
+{
+    qsizetype n = 0;
+    for (; p < end; ++p) n += *p < 0x80 ? 1 : *p < 0x800 ? 2 : QChar::isSurrogate(*p) ? 2 : 3;
+    return n;
+}
+
+// UTF-8 is decoded a block at a time, so the text in UTF-16 never needs room for the whole file.
+// Blocks end on a character boundary, so each decodes (and is checked) on its own.
+class Utf8Blocks {
+public:
+    explicit Utf8Blocks(QByteArrayView bytes) : m_all(bytes), m_rest(bytes) {}
+    bool atEnd() const { return m_rest.isEmpty(); }
+    // The line at `bytesBack` bytes before the end of what was decoded so far.
+    qsizetype lineAt(qsizetype bytesBack) const
+    {
+        const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
+        return 1 + std::count(before.begin(), before.end(), '\n');
+    }
+    bool hasError() const { return m_decoder.hasError(); }
+    // Appends the next block to `text`. A block is at least as long as the text already there,
+    // so a pair that spans many blocks (or an error that keeps asking for more) is parsed again
+    // a logarithmic number of times, not once per block.
+    void decodeNext(QString &text)
+    {
+        qsizetype n = qMin(qMax(kBlock, text.size()), m_rest.size());
+        // Back up over continuation bytes (at most three) to the start of a character. Stray
+        // continuation bytes stay where they are and make the decoder report an error.
+        for (int k = 0; k < 3 && n < m_rest.size() && n > 1 && (uchar(m_rest[n]) & 0xC0) == 0x80; ++k) --n;
+        const QByteArrayView block = m_rest.first(n);
+        m_rest = m_rest.sliced(n);
+        const qsizetype old = text.size();
+        text.resize(old + m_decoder.requiredSpace(block.size()));
+        const QChar *e = m_decoder.appendToBuffer(text.data() + old, block);
+        text.truncate(e - text.constData());
+    }
+
+private:
+    static constexpr qsizetype kBlock = 256 * 1024;
+    QByteArrayView m_all;
+    QByteArrayView m_rest;
+    // Stateless, so a truncated character at the end is an error; a byte-order mark inside the
+    // text stays a character.
+    QStringDecoder m_decoder{QStringConverter::Utf8,
+                             QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom};
+};
+
+// The grammar over UTF-16 text, either all of it at once or fed by a Utf8Blocks. Fed text is
+// parsed a pair at a time: a pair that breaks off at the end of the text read so far is parsed
+// again from its start once the next block is in (so no rule needs to know about blocks), and
+// the text before the pair is dropped. A real syntax error thus surfaces only when no block is
+// left, which also means invalid bytes anywhere in the file are reported before it.
 class Parser {
 public:
-    Parser(const Ch *text, qsizetype size) : p(text), begin(text), end(text + size) {}
+    explicit Parser(QStringView text) : m_end(end(text)), p(begin(text)), m_begin(p) {}
+    Parser(Utf8Blocks *blocks, qsizetype bytes) : m_blocks(blocks), m_bytes(bytes) { refill(0); }
 
     std::optional<StringMap> run(Error *error)
     {
         StringMap map;
         // Real tables spend 40 bytes or more on a pair: reserving that many spares the index
         // most of its rehashing, and costs no pass over the text.
-        map.reserve(qMin<qsizetype>((end - begin) / 40, 1 << 20));
-        QString key, value;
-        while (skipSpaceAndComments()) {
-            if (p == end) return map;
-            if (!word(key)) return fail(error, QStringLiteral("expected a quoted or unquoted key"));
-            if (!skipSpaceAndComments()) return fail(error, m_message);
-            if (p < end && *p == Ch(';')) {  // the short form: the key is its own value
-                ++p;
-                map.insert(key, key);
+        map.reserve(qMin<qsizetype>((m_bytes ? m_bytes : m_end - m_begin) / 40, 1 << 20));
+        for (;;) {
+            const char16_t *const start = p;
+            const Step step = pair(map);
+            if (step == Step::Pair) continue;
+            if (m_blocks && !m_blocks->atEnd()) {
+                refill(start - m_begin);
+                if (m_blocks->hasError()) return encodingError(error);
                 continue;
             }
-            if (p == end || *p != Ch('=')) return fail(error, QStringLiteral("expected \"=\" or \";\" after a key"));
-            ++p;
-            if (!skipSpaceAndComments()) return fail(error, m_message);
-            if (!word(value)) return fail(error, m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
-            if (!skipSpaceAndComments()) return fail(error, m_message);
-            if (p == end || *p != Ch(';')) return fail(error, QStringLiteral("expected \";\" after a value"));
-            ++p;
-            map.insert(key, value);
+            if (step == Step::End) return map;
+            return fail(error, m_message);
         }
-        return fail(error, m_message);
+    }
+
+    static std::optional<StringMap> encodingError(Error *error)
+    {
+        if (error) *error = {0, QStringLiteral("the file is neither UTF-8 nor UTF-16 with a byte-order mark")};
+        return std::nullopt;
     }
 
 private:
-    const Ch *p;
-    const Ch *const begin;
-    const Ch *const end;
+    enum class Step { Pair, End, Error };
+
+    static const char16_t *begin(QStringView t) { return reinterpret_cast<const char16_t *>(t.data()); }
+    static const char16_t *end(QStringView t) { return begin(t) + t.size(); }
+
+    Utf8Blocks *m_blocks = nullptr;
+    qsizetype m_bytes = 0;
+    QString m_text;  // fed text from the start of the pair being read
+    const char16_t *m_end = nullptr;
+    const char16_t *p = nullptr;
+    const char16_t *m_begin = nullptr;
     QString m_message;
+    QString m_key, m_value;
+
+    void refill(qsizetype keepFrom)
+    {
+        m_text.remove(0, keepFrom);
+        m_blocks->decodeNext(m_text);
+        m_begin = p = begin(m_text);
+        m_end = end(m_text);
+    }
+
+    Step pair(StringMap &map)
+    {
+        if (!skipSpaceAndComments()) return Step::Error;
+        if (p == m_end) return Step::End;
+        if (!word(m_key)) return error(QStringLiteral("expected a quoted or unquoted key"));
+        if (!skipSpaceAndComments()) return Step::Error;
+        if (p < m_end && *p == u';') {  // the short form: the key is its own value
+            ++p;
+            map.insert(m_key, QString(m_key));
+            return Step::Pair;
+        }
+        if (p == m_end || *p != u'=') return error(QStringLiteral("expected \"=\" or \";\" after a key"));
+        ++p;
+        if (!skipSpaceAndComments()) return Step::Error;
+        if (!word(m_value)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
+        if (!skipSpaceAndComments()) return Step::Error;
+        if (p == m_end || *p != u';') return error(QStringLiteral("expected \";\" after a value"));
+        ++p;
+        map.insert(std::move(m_key), std::move(m_value));
+        return Step::Pair;
+    }
+
+    Step error(const QString &message)
+    {
+        m_message = message;
+        return Step::Error;
+    }
 
     std::optional<StringMap> fail(Error *error, const QString &message)
     {
         if (error) {
-            error->line = 1 + std::count(begin, std::min(p, end), Ch('\n'));
+            // Fed text before the pair was dropped: the line is counted in the bytes instead.
+            const char16_t *at = std::min(p, m_end);
+            error->line = m_blocks ? m_blocks->lineAt(utf8Length(at, m_end)) : 1 + std::count(m_begin, at, u'\n');
             error->message = message;
         }
         return std::nullopt;
     }
 
-    // Length of a white-space character at p, or 0. Besides ASCII space, the byte-order mark and
-    // the Unicode line and paragraph separators count, as they do for the property-list reader.
-    qsizetype space() const
+    // Besides ASCII space, the byte-order mark and the Unicode line and paragraph separators
+    // count, as they do for the property-list reader.
+    static bool isSpace(char16_t c)
     {
-        const auto c = static_cast<std::make_unsigned_t<Ch>>(*p);
-        if (c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v') return 1;
-        if constexpr (sizeof(Ch) == 2) {
-            return (c == 0xFEFF || c == 0x2028 || c == 0x2029) ? 1 : 0;
-        } else {
-            if (c != 0xEF && c != 0xE2) return 0;
-            if (end - p < 3) return 0;
-            const auto c1 = static_cast<unsigned char>(p[1]), c2 = static_cast<unsigned char>(p[2]);
-            if (c == 0xEF && c1 == 0xBB && c2 == 0xBF) return 3;
-            if (c == 0xE2 && c1 == 0x80 && (c2 == 0xA8 || c2 == 0xA9)) return 3;
-            return 0;
-        }
+        return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v' || c == 0xFEFF || c == 0x2028
+            || c == 0x2029;
     }
 
     // False on an unterminated comment.
     bool skipSpaceAndComments()
     {
-        while (p < end) {
-            if (const qsizetype n = space()) {
-                p += n;
-            } else if (*p == Ch('/') && p + 1 < end && p[1] == Ch('*')) {
-                const Ch *q = p + 2;
-                while (q + 1 < end && !(q[0] == Ch('*') && q[1] == Ch('/'))) ++q;
-                if (q + 1 >= end) {
+        while (p < m_end) {
+            if (isSpace(*p)) {
+                ++p;
+            } else if (*p == u'/' && p + 1 < m_end && p[1] == u'*') {
+                const char16_t *q = p + 2;
+                while (q + 1 < m_end && !(q[0] == u'*' && q[1] == u'/')) q = findEither(q + 1, m_end, u'*', u'*');
+                if (q + 1 >= m_end) {
                     m_message = QStringLiteral("a comment is not closed");
                     return false;
                 }
                 p = q + 2;
-            } else if (*p == Ch('/') && p + 1 < end && p[1] == Ch('/')) {
-                while (p < end && *p != Ch('\n') && *p != Ch('\r')) ++p;
+            } else if (*p == u'/' && p + 1 < m_end && p[1] == u'/') {
+                p = findEither(p, m_end, u'\n', u'\r');
             } else {
                 break;
             }
@@ -178,81 +279,32 @@ private:
     bool word(QString &out)
     {
         m_message.clear();
-        if (p == end) return false;
-        if (*p == Ch('"')) return quoted(out);
-        const Ch *start = p;
-        while (p < end && isUnquotedChar(char16_t(static_cast<std::make_unsigned_t<Ch>>(*p)))) ++p;
+        if (p == m_end) return false;
+        if (*p == u'"') return quoted(out);
+        const char16_t *start = p;
+        while (p < m_end && isUnquotedChar(*p)) ++p;
         if (p == start) return false;
-        out = spanText(start, p);
+        out = QString(reinterpret_cast<const QChar *>(start), p - start);
         return true;
     }
 
     bool quoted(QString &out)
     {
-        const Ch *start = ++p;
+        const char16_t *start = ++p;
         bool escaped = false;
-        if constexpr (sizeof(Ch) == 1) {
-            // Most words hold no backslash: two memchr calls find their end at vector speed.
-            const auto *close = static_cast<const Ch *>(std::memchr(p, '"', size_t(end - p)));
-            if (close && !std::memchr(p, '\\', size_t(close - p))) {
-                out = spanText(start, close);
-                p = close + 1;
-                return true;
-            }
-        }
-        while (p < end && *p != Ch('"')) {
-            if (*p == Ch('\\')) {
-                escaped = true;
-                ++p;
-            }
-            ++p;
-        }
-        if (p >= end) {
-            p = end;
+        // From backslash to backslash: an escape takes the backslash and the unit after it.
+        for (p = findEither(p, m_end, u'"', u'\\'); p < m_end && *p == u'\\'; p = findEither(p + 2, m_end, u'"', u'\\'))
+            escaped = true;
+        if (p >= m_end) {
+            p = m_end;
             m_message = QStringLiteral("a quoted string is not closed");
             return false;
         }
-        out = escaped ? unescapeSpan(start, p) : spanText(start, p);
+        out = escaped ? unescape(start, p) : QString(reinterpret_cast<const QChar *>(start), p - start);
         ++p;
         return true;
     }
 };
-
-// Whether bytes are well-formed UTF-8 (no overlong forms, no surrogates, nothing past U+10FFFF).
-bool isValidUtf8(const char *s, qsizetype size)
-{
-    const auto *p = reinterpret_cast<const unsigned char *>(s);
-    const auto *const end = p + size;
-    while (p < end) {
-        // Runs of ASCII go eight bytes at a time.
-        while (end - p >= 8) {
-            quint64 word;
-            std::memcpy(&word, p, 8);
-            if (word & 0x8080808080808080ULL) break;
-            p += 8;
-        }
-        if (p == end) break;
-        const unsigned char c = *p;
-        if (c < 0x80) {
-            ++p;
-            continue;
-        }
-        int n;
-        char32_t min, cp;
-        if ((c & 0xE0) == 0xC0) n = 1, min = 0x80, cp = c & 0x1F;
-        else if ((c & 0xF0) == 0xE0) n = 2, min = 0x800, cp = c & 0x0F;
-        else if ((c & 0xF8) == 0xF0) n = 3, min = 0x10000, cp = c & 0x07;
-        else return false;
-        if (end - p <= n) return false;
-        for (int i = 1; i <= n; ++i) {
-            if ((p[i] & 0xC0) != 0x80) return false;
-            cp = (cp << 6) | (p[i] & 0x3F);
-        }
-        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
-        p += n + 1;
-    }
-    return true;
-}
 
 bool looksLikeXml(QByteArrayView head)
 {
@@ -278,38 +330,44 @@ std::optional<StringMap> fromPropertyList(const QByteArray &data, Error *error)
 
 std::optional<StringMap> parse(QStringView text, Error *error)
 {
-    return Parser<char16_t>(reinterpret_cast<const char16_t *>(text.data()), text.size()).run(error);
+    return Parser(text).run(error);
 }
 
 std::optional<StringMap> parseData(const QByteArray &data, Error *error)
 {
     if (data.startsWith("bplist00")) return fromPropertyList(data, error);
-    QString text;
     if (data.startsWith("\xFE\xFF") || data.startsWith("\xFF\xFE")) {
         QStringDecoder decoder(data.startsWith("\xFE\xFF") ? QStringConverter::Utf16BE : QStringConverter::Utf16LE,
                                QStringConverter::Flag::Stateless);
-        text = decoder.decode(QByteArrayView(data).sliced(2));
+        const QString text = decoder.decode(QByteArrayView(data).sliced(2));
         if (decoder.hasError()) {
             if (error) *error = {0, QStringLiteral("the UTF-16 text is damaged")};
             return std::nullopt;
         }
         if (looksLikeXml(text.left(64).toUtf8())) return fromPropertyList(data, error);
-    } else {
-        const QByteArrayView body = QByteArrayView(data).sliced(data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
-        if (looksLikeXml(body.first(qMin<qsizetype>(64, body.size())))) return fromPropertyList(data, error);
-        if (!isValidUtf8(body.data(), body.size())) {
-            if (error) *error = {0, QStringLiteral("the file is neither UTF-8 nor UTF-16 with a byte-order mark")};
-            return std::nullopt;
-        }
-        qsizetype first = 0;
-        while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
-        if (first < body.size() && body[first] == '{') return fromPropertyList(body.toByteArray(), error);
-        return Parser<char>(body.data(), body.size()).run(error);
+        // A braced table is the old-style property-list form of the same map.
+        if (QStringView(text).trimmed().startsWith(u'{')) return fromPropertyList(text.toUtf8(), error);
+        return parse(text, error);
     }
-    // A braced table is the old-style property-list form of the same map.
-    const QStringView trimmed = QStringView(text).trimmed();
-    if (trimmed.startsWith(u'{')) return fromPropertyList(text.toUtf8(), error);
-    return parse(text, error);
+    const QByteArrayView body = QByteArrayView(data).sliced(data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
+    if (looksLikeXml(body.first(qMin<qsizetype>(64, body.size())))) return fromPropertyList(data, error);
+    qsizetype first = 0;
+    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
+    if (first < body.size() && body[first] == '{') {
+        Utf8Blocks check(body);
+        QString ignored;
+        while (!check.atEnd() && !check.hasError()) {
+            check.decodeNext(ignored);
+            ignored.clear();
+        }
+        if (check.hasError()) return Parser::encodingError(error);
+        return fromPropertyList(body.toByteArray(), error);
+    }
+    Utf8Blocks blocks(body);
+    if (blocks.atEnd()) return StringMap();
+    Parser parser(&blocks, body.size());
+    if (blocks.hasError()) return Parser::encodingError(error);
+    return parser.run(error);
 }
 
 }  // namespace StringsTable
@@ -319,18 +377,23 @@ namespace {
 // The same dictionary is read once for every file added to a document: a large one would be
 // parsed hundreds of times over. The maps of the last few files read are kept with the bytes
 // they came from; reading the bytes again and comparing them is cheap beside parsing, and
-// makes a stale answer impossible whatever happened to the file meanwhile.
+// makes a stale answer impossible whatever happened to the file meanwhile. Keeping them costs a
+// single read (the command line) no memory at its peak: the bytes are alive while they are
+// parsed, and the map kept shares its storage with the one returned.
 struct CachedRead {
     QString path;
     QByteArray bytes;
     StringMap map;
 };
-
-QMutex cacheMutex;
-QList<CachedRead> &readCache()
+struct ReadCache {
+    QMutex mutex;
+    QList<CachedRead> tables;
+};
+ReadCache &readCache()
 {
-    static QList<CachedRead> cache;
-    return cache;
+    // Never destroyed: freeing a few hundred thousand strings at exit is time spent for nobody.
+    static ReadCache *const cache = new ReadCache;
+    return *cache;
 }
 constexpr qsizetype kCachedFiles = 4;
 constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse faster than they compare
@@ -340,18 +403,18 @@ constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse fast
 std::optional<StringMap> StringsTable::parseFileData(const QString &path, const QByteArray &bytes, Error *error)
 {
     const bool cacheable = bytes.size() >= kSmallestCachedFile;
+    ReadCache &cache = readCache();
     if (cacheable) {
-        QMutexLocker lock(&cacheMutex);
-        for (const CachedRead &c : std::as_const(readCache()))
+        QMutexLocker lock(&cache.mutex);
+        for (const CachedRead &c : std::as_const(cache.tables))
             if (c.path == path && c.bytes == bytes) return c.map;
     }
     auto map = parseData(bytes, error);
     if (map && cacheable) {
-        QMutexLocker lock(&cacheMutex);
-        QList<CachedRead> &cache = readCache();
-        cache.removeIf([&](const CachedRead &c) { return c.path == path; });
-        cache.prepend({path, bytes, *map});
-        while (cache.size() > kCachedFiles) cache.removeLast();
+        QMutexLocker lock(&cache.mutex);
+        cache.tables.removeIf([&](const CachedRead &c) { return c.path == path; });
+        cache.tables.prepend({path, bytes, *map});
+        while (cache.tables.size() > kCachedFiles) cache.tables.removeLast();
     }
     return map;
 }

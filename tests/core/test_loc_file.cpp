@@ -159,6 +159,65 @@ private slots:
         QCOMPARE(file->allEntries().size(), 2);
     }
 
+    // Searches run over folded copies of the texts, patched as texts change and narrowed when a
+    // search text extends the previous one; whatever the history, a search must show exactly
+    // what a plain case-insensitive scan of the current texts shows, with one signal.
+    void searchAgreesWithAPlainScan_data()
+    {
+        QTest::addColumn<QStringList>("steps");  // a search text, or "edit N WORD", "check N", "filters"
+        QTest::newRow("typing narrows") << QStringList{S("ö"), S("öf"), S("öff"), S("öffnen")};
+        QTest::newRow("typing back widens") << QStringList{S("open"), S("ope"), S("o"), S("")};
+        QTest::newRow("extension in the middle of a word") << QStringList{S("ff"), S("öffn"), S("ffnen")};
+        QTest::newRow("case and non-ASCII case") << QStringList{S("ÖFFNEN"), S("ΣΊΓΜΑ"), S("straße"), S("STRASSE")};
+        QTest::newRow("an edit in place is seen") << QStringList{S("neu"), S("edit 3 neu"), S("neu"), S("neue")};
+        QTest::newRow("an edit that outgrows its room is seen")
+            << QStringList{S("zz"), S("edit 0 a much longer localized word with zz in it"), S("zz"), S("zzz")};
+        QTest::newRow("an edit removes a match before narrowing") << QStringList{S("sch"), S("edit 1 x"), S("schl")};
+        QTest::newRow("check marks under the filters") << QStringList{S("filters"), S("e"), S("check 2"), S("e"), S("en")};
+        QTest::newRow("a key with a NUL unit") << QStringList{QStringLiteral("a\0b"), S("a")};
+        QTest::newRow("surrogate pairs") << QStringList{S("😀"), S("x😀"), S("😀x")};
+        QTest::newRow("a key longer than every text") << QStringList{S("x").repeated(200), S("x")};
+        QTest::newRow("padding never matches") << QStringList{QString(QChar(0)), QString(2, QChar(0))};
+    }
+    void searchAgreesWithAPlainScan()
+    {
+        QFETCH(QStringList, steps);
+        LocFilePtr file = make({S("\"Open\" = \"Öffnen\";"), S("\"Close\" = \"Schließen\";"),
+                                S("/* Σίγμα */\n\"Sigma\" = \"ΣΊΓΜΑ\";"), S("\"Street\" = \"Straße\";"),
+                                S("\"\" = \"\";"), QStringLiteral("\"NUL\" = \"a\0b\";"), S("\"Smile\" = \"x😀x\";"),
+                                S("\"Zero\" = \"\";")});
+        for (const QString &step : steps) {
+            const QStringList words = step.split(u' ');
+            if (words.first() == S("edit")) {
+                file->allEntries().at(words.at(1).toInt())->setLocalizedWord(words.mid(2).join(u' '));
+                continue;
+            }
+            if (words.first() == S("check")) {
+                file->allEntries().at(words.at(1).toInt())->setCheck(true);
+                continue;
+            }
+            if (step == S("filters")) {
+                Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, true);
+                Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, true);
+                continue;
+            }
+            QSignalSpy shown(file.get(), &LocFile::entriesChanged);
+            file->searchEntryWithKey(step);
+            QCOMPARE(shown.count(), 1);
+            const bool ignoreEmpty = Settings::instance().boolValue(SettingsKey::IgnoreEmptyWords);
+            const bool ignoreLocalized = Settings::instance().boolValue(SettingsKey::IgnoreLocalizedWords);
+            QList<const LocEntry *> expected, got;
+            for (const LocEntryPtr &e : file->allEntries()) {
+                if (ignoreEmpty && StringUtility::wordLength(e->baseWord()) == 0 && StringUtility::wordLength(e->localizedWord()) == 0)
+                    continue;
+                if (ignoreLocalized && e->isChecked()) continue;
+                if (StringUtility::containsCaseInsensitive(e->entry(), step)) expected.append(e.get());
+            }
+            for (const LocEntryPtr &e : file->entries()) got.append(e.get());
+            QVERIFY2(got == expected, qPrintable(S("after \"%1\": %2 shown, %3 expected").arg(step).arg(got.size()).arg(expected.size())));
+        }
+    }
+
     void lookupsAndPairs()
     {
         LocFilePtr file = make({S("\"Open\" = \"Öffnen\";"), S("\"Open\" = \"Aufmachen\";"), S("\"Same\" = \"Same\";"),

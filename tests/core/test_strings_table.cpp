@@ -4,8 +4,10 @@
 #include "TestSupport.h"
 
 #include <QDirIterator>
+#include <QHash>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QStringDecoder>
 #include <QStringEncoder>
 #include <QTest>
 
@@ -63,6 +65,19 @@ private slots:
         QTest::newRow("two values") << S("\"a\" = \"1\" \"2\";") << nothing;
         QTest::newRow("nested value") << S("\"a\" = { b = c; };") << nothing;
         QTest::newRow("stray character") << S("\"a\" = \"1\"; #") << nothing;
+        // Quoted words are scanned several bytes at a time: ends, escapes and non-ASCII bytes
+        // on either side of those steps.
+        QTest::newRow("quote right after eight bytes") << S("\"12345678\" = \"1234567\";")
+                                                       << std::optional(mapOf({{"12345678", "1234567"}}));
+        QTest::newRow("escape past the first step") << S("\"abcdefghijklmnopqrst\" = \"0123456789ab\\\"cd\";")
+                                                    << std::optional(mapOf({{"abcdefghijklmnopqrst", "0123456789ab\"cd"}}));
+        QTest::newRow("non-ASCII before the end of a step") << S("\"1234567é\" = \"é1234567890123\";")
+                                                            << std::optional(mapOf({{"1234567é", "é1234567890123"}}));
+        QTest::newRow("non-ASCII after the quote is not the word's")
+            << S("\"abcdefghi\" = \"x\"; /* é */") << std::optional(mapOf({{"abcdefghi", "x"}}));
+        QTest::newRow("stars inside a comment") << S("/* a * b ** / c **/ \"k\" = \"v\"; /**/")
+                                                << std::optional(mapOf({{"k", "v"}}));
+        QTest::newRow("comment ends in a star") << S("\"k\" = \"v\"; /* open *") << nothing;
     }
     void grammar()
     {
@@ -70,6 +85,9 @@ private slots:
         QFETCH(std::optional<StringMap>, expected);
         const auto got = StringsTable::parse(text);
         QVERIFY2(got == expected, qPrintable(S("got ") + describe(got) + S(", expected ") + describe(expected)));
+        // The UTF-8 bytes go through their own scanner and must read the same.
+        const auto fromBytes = StringsTable::parseData(text.toUtf8());
+        QVERIFY2(fromBytes == expected, qPrintable(S("from UTF-8 got ") + describe(fromBytes)));
     }
 
     void keysKeepTheirFirstPlace()
@@ -79,6 +97,42 @@ private slots:
         QCOMPARE(m->pairs().size(), 2);
         QCOMPARE(m->pairs().at(0), StringMap::Pair(S("b"), S("3")));
         QCOMPARE(m->pairs().at(1).first, S("a"));
+    }
+
+    // The map's own index grows while keys arrive; against a plain hash and list, every key is
+    // found with its last value, in the order of first insertion, across many growths.
+    void mapAgreesWithAHashAndAList()
+    {
+        StringMap map;
+        QHash<QString, QString> values;
+        QStringList order;
+        for (int i = 0; i < 20000; ++i) {
+            const QString key = S("k") + QString::number((i * 7919) % 13001);  // repeats, out of order
+            const QString value = QString::number(i);
+            if (!values.contains(key)) order.append(key);
+            values.insert(key, value);
+            if (i % 2) map.insert(key, value);
+            else map.insert(QString(key), QString(value));
+        }
+        QCOMPARE(map.size(), order.size());
+        for (qsizetype i = 0; i < order.size(); ++i) {
+            QCOMPARE(map.pairs().at(i).first, order.at(i));
+            QCOMPARE(map.value(order.at(i)), values.value(order.at(i)));
+        }
+        QVERIFY(!map.contains(S("k13001")));
+        QVERIFY(map.value(S("missing")).isNull());
+        StringMap merged;
+        merged.insert(S("k0"), S("mine"));
+        merged.insert(S("own"), S("1"));
+        merged.insertAll(map);
+        QCOMPARE(merged.size(), map.size() + 1);
+        QCOMPARE(merged.value(S("k0")), map.value(S("k0")));
+        QCOMPARE(merged.pairs().first().first, S("k0"));
+        StringMap copy;
+        copy.insertAll(map);
+        copy.insert(S("extra"), S("x"));  // the copy shares storage until it changes
+        QCOMPARE(copy.size(), map.size() + 1);
+        QVERIFY(!map.contains(S("extra")));
     }
 
     void errorsSayWhere()
@@ -103,6 +157,42 @@ private slots:
         StringsTable::Error error;
         QVERIFY(!StringsTable::parseData("\"a\" = \"\x8a\";", &error));
         QVERIFY(!error.message.isEmpty());
+    }
+
+    // UTF-8 tables are decoded and parsed a block at a time; a pair cut by the end of a block is
+    // read again once the next block is in. Every construct is moved across the first block's
+    // end (256 KiB in) one byte at a time, and must read as the decoded text reads, errors and
+    // their lines included.
+    void blockEndsFallAnywhere_data()
+    {
+        QTest::addColumn<QByteArray>("tail");
+        QTest::newRow("pairs of every kind")
+            << QByteArray("/* a * comment **/ \"key\" = \"va\\\"lue\\n\"; // line\r\nunquoted = w0rd.x;\n"
+                          "\"short\";\n\"\xC3\xA9\xE9\x96\x8B\xF0\x9F\x98\x80\" = \"\xE2\x80\xA8\";\n\"last\" = \"1\";\n");
+        QTest::newRow("a syntax error after the block end") << QByteArray("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";\n");
+        QTest::newRow("an unclosed comment") << QByteArray("\"a\" = \"1\";\n/* open * /\n");
+        QTest::newRow("a broken character") << QByteArray("\"a\" = \"\xE9\x96\";\n");
+    }
+    void blockEndsFallAnywhere()
+    {
+        QFETCH(QByteArray, tail);
+        constexpr qsizetype block = 256 * 1024;
+        for (qsizetype shift = 0; shift <= tail.size() + 4; ++shift) {
+            // A pair, space up to just before the block end, then the tail across it.
+            const QByteArray head = "\"k\" = \"v\";\n";
+            const QByteArray data = head + QByteArray(block - shift - head.size(), ' ') + tail;
+            StringsTable::Error fromBytes, fromText;
+            const auto got = StringsTable::parseData(data, &fromBytes);
+            QStringDecoder decoder(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
+            const QString text = decoder.decode(data);
+            const auto expected = decoder.hasError() ? std::nullopt : StringsTable::parse(text, &fromText);
+            QVERIFY2(got == expected, qPrintable(S("shift %1: got %2 pairs").arg(shift).arg(got ? got->size() : -1)));
+            if (!expected && !decoder.hasError()) {
+                QCOMPARE(fromBytes.line, fromText.line);
+                QCOMPARE(fromBytes.message, fromText.message);
+            }
+            if (decoder.hasError()) QCOMPARE(fromBytes.message, S("the file is neither UTF-8 nor UTF-16 with a byte-order mark"));
+        }
     }
 
     void files()

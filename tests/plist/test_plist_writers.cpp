@@ -2,6 +2,10 @@
 // key order, the binary writer's long counts and UIDs, the JSON rendering and atomic files.
 #include "PlistTestSupport.h"
 
+#include "JsonWriter.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimeZone>
@@ -44,6 +48,9 @@ private slots:
     void binaryLongCountsAndWideReferences();
     void binaryWritesUidObjects();
     void jsonRendering();
+    void jsonStringsAsQtWritesThem_data();
+    void jsonStringsAsQtWritesThem();
+    void jsonWriterChunksInOrder();
     void writeFileAtomically();
 };
 
@@ -246,6 +253,64 @@ void WriterTest::jsonRendering()
                                 "  \"e\": []\n"
                                 "}\n";
     QCOMPARE(QString::fromUtf8(toJson(v)), QString::fromUtf8(expected));
+}
+
+// The command line printed strings through QJsonDocument; the writer that replaced it must give
+// the same bytes, for every kind of unit it escapes or encodes differently.
+void WriterTest::jsonStringsAsQtWritesThem_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("empty") << QString();
+    QTest::newRow("plain ASCII") << QStringLiteral("Open Recent %@");
+    // Runs of plain ASCII go eight units at a time: escapes and other characters at every place
+    // of such a run.
+    QTest::newRow("long mixed run") << QString::fromUtf8("01234567\"abcdefg\x01hijklmn\\opqrstu\x7fvwxyz\xc3\xa9""0123456789abcdef"
+                                                         "ghij\xe9\x96\x8b" "klmnopqr\xf0\x9f\x98\x80stuvwxyz");
+    QTest::newRow("quote and backslash") << QStringLiteral("say \"hi\" C:\\dir\\");
+    QTest::newRow("named controls") << QStringLiteral("\b\f\n\r\t");
+    QString controls;
+    for (char16_t c = 0; c < 0x20; ++c) controls += QChar(c);
+    QTest::newRow("every control") << controls + QChar(0x7F);
+    QTest::newRow("two-byte UTF-8") << QString::fromUtf8("Öffnen Ångström é \u00ff \u07ff");
+    QTest::newRow("three-byte UTF-8") << QString::fromUtf8("開く ファイル \u0800 \ufffd \uffff");
+    QTest::newRow("surrogate pair") << QString::fromUtf8("flag 🇫🇷 end 😀");
+    const QChar high(0xD83D), low(0xDE00);
+    QTest::newRow("lone high surrogate") << QStringLiteral("a") + high + QStringLiteral("b");
+    QTest::newRow("lone low surrogate") << low + QStringLiteral("a");
+    QTest::newRow("high surrogate at the end") << QStringLiteral("end") + high;
+    QTest::newRow("pair reversed") << QString(low) + high;
+}
+
+void WriterTest::jsonStringsAsQtWritesThem()
+{
+    QFETCH(QString, text);
+    const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    QByteArray ours;
+    json::appendString(ours, text);
+    QCOMPARE(ours, array.mid(1, array.size() - 2));
+}
+
+void WriterTest::jsonWriterChunksInOrder()
+{
+    // Enough text to cross several chunks; whatever the chunking, the bytes arrive in order once.
+    QByteArray received, expected;
+    int chunks = 0;
+    {
+        json::Writer writer([&](QByteArrayView bytes) {
+            received.append(bytes);
+            ++chunks;
+        });
+        for (int i = 0; i < 20000; ++i) {
+            const QString word = QStringLiteral("w\u00e9rd %1").arg(i);
+            writer.raw(i ? "," : "[").string(word);
+            expected.append(i ? "," : "[");
+            json::appendString(expected, word);
+        }
+        writer.raw("]");
+        expected.append("]");
+    }
+    QCOMPARE(received, expected);
+    QVERIFY(chunks > 1);
 }
 
 void WriterTest::writeFileAtomically()

@@ -1,0 +1,94 @@
+// One keystroke in a document window's search field over a file of many entries: the search,
+// the entry table's reset and the repaint, as the user waits for them.
+//   bench_window [--entries N]
+// Writes a string table of N pairs (default 100,000), adds it to a document shown offscreen, and
+// types a word into the search field a letter at a time. Prints one JSON line per figure.
+#include "DocumentWindow.h"
+#include "Handlers.h"
+#include "MyDocument.h"
+#include "ScriptedDialogs.h"
+#include "Settings.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+void report(const char *name, double value, const char *unit)
+{
+    std::printf("{\"benchmark\":\"%s\",\"value\":%.3f,\"unit\":\"%s\"}\n", name, value, unit);
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const qsizetype at = args.indexOf(QStringLiteral("--entries"));
+    const int entries = at >= 0 && at + 1 < args.size() ? args.at(at + 1).toInt() : 100000;
+
+    QTemporaryDir dir;
+    if (!dir.isValid()) return 1;
+    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.filePath(QStringLiteral("data"))));
+    Settings::useStore(dir.filePath(QStringLiteral("settings.ini")));
+    registerResourceHandlers();
+
+    const QString path = dir.filePath(QStringLiteral("Big.strings"));
+    {
+        QByteArray table;
+        static const char *const words[] = {"Open", "Öffnen", "Fenster schließen", "開く", "Préférences…", "Quit %@"};
+        for (int i = 0; i < entries; ++i)
+            table += "/* Item " + QByteArray::number(i) + " */\n\"" + words[i % 6] + " " + QByteArray::number(i) + "\" = \"" +
+                     words[(i / 6) % 6] + " " + QByteArray::number(i) + "\";\n";
+        QFile f(path);
+        if (!f.open(QIODevice::WriteOnly) || f.write(table) < 0) return 1;
+    }
+
+    auto *window = new DocumentWindow(new MyDocument);
+    ScriptedDialogs dialogs;
+    window->setDialogs(&dialogs, nullptr);
+    window->resize(1000, 700);
+    window->show();
+    window->document()->addFiles(QList<QPair<QString, OptString>>{{path, std::nullopt}});
+    app.processEvents();
+    auto *field = window->findChild<QLineEdit *>(QStringLiteral("searchField"));
+    if (!field || window->document()->files().size() != 1) {
+        std::fprintf(stderr, "the table was not added\n");
+        return 1;
+    }
+
+    // The first search folds every text once; it is reported on its own.
+    QElapsedTimer t;
+    t.start();
+    field->setText(QStringLiteral("x"));
+    app.processEvents();
+    report("window_first_search", t.nsecsElapsed() / 1e6, "ms");
+
+    std::vector<double> keystrokes;
+    const QString typed = QStringLiteral("fenster 12");
+    for (int run = 0; run < 5; ++run) {
+        field->clear();
+        app.processEvents();
+        for (qsizetype n = 1; n <= typed.size(); ++n) {
+            t.restart();
+            field->setText(typed.left(n));
+            app.processEvents();
+            keystrokes.push_back(t.nsecsElapsed() / 1e6);
+        }
+    }
+    std::sort(keystrokes.begin(), keystrokes.end());
+    report("window_search_keystroke", keystrokes[keystrokes.size() / 2], "ms");
+    report("window_search_keystroke_max", keystrokes.back(), "ms");
+    window->document()->updateChangeCount(MyDocument::ChangeCleared);
+    delete window;
+    return 0;
+}
