@@ -2,7 +2,9 @@
 
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
+#include "FileTableMenu.h"
 #include "FileTableModel.h"
+#include "FilesDrawer.h"
 #include "LanguageComboBox.h"
 #include "MyDocument.h"
 #include "QtDialogs.h"
@@ -24,23 +26,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-// Backspace in the file table asks to delete the selected files.
-class FileTableKeys : public QObject {
-public:
-    FileTableKeys(DocumentWindow *window) : QObject(window), m_window(window) {}
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Backspace) {
-            m_window->deleteCurrentFile();
-            return true;
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    DocumentWindow *m_window;
-};
 
 QTableView *makeTable(QAbstractItemModel *model, const QString &name, QWidget *parent)
 {
@@ -129,18 +114,13 @@ void DocumentWindow::buildLayout()
     titleRow->addWidget(new QLabel(tr("Title:"), this));
     titleRow->addWidget(m_titleField, 1);
 
-    auto *split = new QSplitter(Qt::Horizontal, this);
-    split->addWidget(buildFilePane());
-    split->addWidget(buildEntryPane());
-    split->setStretchFactor(0, 0);
-    split->setStretchFactor(1, 1);
-    split->setSizes({280, 840});
+    m_drawer = new FilesDrawer(buildFilePane(), this);
 
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->setContentsMargins(8, 6, 8, 4);
     layout->addLayout(titleRow);
-    layout->addWidget(split, 1);
+    layout->addWidget(buildEntryPane(), 1);
     setCentralWidget(central);
 
     m_busyIndicator = new QProgressBar(this);
@@ -164,7 +144,7 @@ QWidget *DocumentWindow::buildFilePane()
     m_fileTable->setDefaultDropAction(Qt::MoveAction);
     m_fileTable->setDropIndicatorShown(true);
     m_fileTable->setDragDropOverwriteMode(false);
-    m_fileTable->installEventFilter(new FileTableKeys(this));
+    m_fileTableMenu = new FileTableMenu(m_fileTable, this);
     connect(m_fileTable, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
         if (const LocFilePtr file = m_fileModel->fileAt(index.row()))
             QDesktopServices::openUrl(QUrl::fromLocalFile(file->path()));
@@ -374,7 +354,7 @@ void DocumentWindow::updateSpellLanguage()
 
 void DocumentWindow::updateWindowTitle()
 {
-    setWindowTitle(m_document->displayName() + QLatin1String("[*] \u2014 Vocabrix"));
+    setWindowTitle(m_document->displayName() + QStringLiteral("[*] \u2014 Vocabrix"));
     setWindowModified(m_document->isDocumentEdited());
     setWindowFilePath(m_document->filePath());
 }

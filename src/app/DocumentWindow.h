@@ -17,7 +17,9 @@ class Dialogs;
 struct ExportResult;
 class EntryEditor;
 class EntryTableModel;
+class FileTableMenu;
 class FileTableModel;
+class FilesDrawer;
 class LanguageComboBox;
 class MyDocument;
 class QLabel;
@@ -28,6 +30,7 @@ class QTableView;
 class QToolBar;
 class QtDialogs;
 class SavePanel;
+class ToolbarController;
 
 class DocumentWindow : public QMainWindow {
     Q_OBJECT
@@ -55,6 +58,10 @@ public:
     QToolBar *toolbar() const { return m_toolbar; }
     // The toolbar's items by identifier ("AddFile", "Export", "ExportAll", "LanguageFrom", ...).
     QAction *toolbarItem(const QString &identifier) const { return m_toolbarItems.value(identifier); }
+    ToolbarController *toolbarController() const { return m_toolbarController; }
+    FilesDrawer *drawer() const { return m_drawer; }
+    FileTableMenu *fileTableMenu() const { return m_fileTableMenu; }
+    QAction *menuAction(const QString &name) const { return m_menuActions.value(name); }
 
     // ---- Selection
     QList<LocFilePtr> selectedFiles() const;  // in table order
@@ -71,6 +78,7 @@ public:
     void selectNext();
     void selectPrevious();
     void checkLocalized();
+    void readNibAndStringsFile();
 
     // ---- The document framework (DocumentWindowFile.cpp)
     bool save();
@@ -92,6 +100,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    friend class FileTableMenu;  // reveals through this window's dialogs
     void buildLayout();
     QWidget *buildFilePane();
     QWidget *buildEntryPane();
@@ -134,6 +143,9 @@ private:
     QLabel *m_summary = nullptr;
     QToolBar *m_toolbar = nullptr;
     QHash<QString, QAction *> m_toolbarItems;
+    ToolbarController *m_toolbarController = nullptr;
+    FilesDrawer *m_drawer = nullptr;
+    FileTableMenu *m_fileTableMenu = nullptr;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;
 

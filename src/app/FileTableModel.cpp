@@ -1,5 +1,6 @@
 #include "FileTableModel.h"
 
+#include "FileIcons.h"
 #include "ListUtility.h"
 #include "MyDocument.h"
 #include "VXControllerModel.h"
@@ -77,6 +78,9 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
         lines.append(file->warnings());
         return lines.join(u'\n');
     }
+    case Qt::DecorationRole:
+        if (index.column() == NameColumn) return fileIcon(file->path());
+        return {};
     case Qt::TextAlignmentRole:
         if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};

@@ -16,6 +16,8 @@ const QHash<QString, QString> &englishLabels()
         {QStringLiteral("ExportTooltip"), QStringLiteral("Export the selected files")},
         {QStringLiteral("ExportAll"), QStringLiteral("Export All")},
         {QStringLiteral("ExportAllTooltip"), QStringLiteral("Export every file of the document")},
+        {QStringLiteral("Files"), QStringLiteral("Files")},
+        {QStringLiteral("FilesTooltip"), QStringLiteral("Show or hide the list of files")},
         {QStringLiteral("Delete"), QStringLiteral("Delete")},
         {QStringLiteral("DeleteTooltip"), QStringLiteral("Remove the selected files from the document")},
         {QStringLiteral("LanguageFrom"), QStringLiteral("From")},
