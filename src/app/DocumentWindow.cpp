@@ -187,15 +187,8 @@ void DocumentWindow::wireDocument()
     connect(doc, &MyDocument::titleChanged, this, [this] {
         if (m_titleField->text() != m_document->title()) m_titleField->setText(m_document->title());
     });
-    // A popup sets the property first, then runs its action.
-    connect(m_languageFromPp, &LanguageComboBox::tagChosen, doc, [doc](int tag) {
-        doc->setLocLangFrom(tag);
-        doc->changeOriginalLanguage();
-    });
-    connect(m_languageToPp, &LanguageComboBox::tagChosen, doc, [doc](int tag) {
-        doc->setLocLangTo(tag);
-        doc->changeTargetLanguage();
-    });
+    connect(m_languageFromPp, &LanguageComboBox::tagChosen, this, [this](int tag) { chooseLanguage(true, tag); });
+    connect(m_languageToPp, &LanguageComboBox::tagChosen, this, [this](int tag) { chooseLanguage(false, tag); });
     connect(doc, &MyDocument::locLangFromChanged, this, [this] { m_languageFromPp->ppSelectItemWithTag(m_document->locLangFrom()); });
     connect(doc, &MyDocument::locLangToChanged, this, [this] {
         m_languageToPp->ppSelectItemWithTag(m_document->locLangTo());

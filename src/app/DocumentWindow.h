@@ -119,6 +119,10 @@ private:
     void showCurrentFile();
     void restoreFileSelection();
     void restoreEntrySelection();
+    // DocumentWindowLanguages.cpp
+    bool confirmLanguageChange(bool base, int tag);
+    void chooseLanguage(bool base, int tag);
+    bool selectNextUncheckedFile();
     void updateSearchResult(LocEntry *entry);
     void removeCurrentEntryFromSearchResult(const LocFilePtr &file, const LocEntry *entry);
     bool writeTo(const QString &path);

@@ -282,6 +282,8 @@ void DocumentWindow::checkLocalized()
     QList<LocEntryPtr> entries = selectedEntries();
     if (entries.isEmpty() && currentEntry()) entries.append(currentEntry());
     m_document->checkLocalized(entries);
+    const bool atEnd = m_entryTable->currentIndex().row() + 1 >= m_entryModel->rowCount();
+    if (atEnd && selectNextUncheckedFile()) return;
     selectNext();
 }
 

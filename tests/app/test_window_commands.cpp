@@ -7,6 +7,8 @@
 #include "FileTableModel.h"
 #include "FilesDrawer.h"
 #include "Handlers.h"
+#include "EntryTableModel.h"
+#include "LanguageComboBox.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "ScriptedDialogs.h"
@@ -40,6 +42,9 @@ private slots:
     void deleteKeysAsk();
     void fileTableShowsIconsAndTitleItsDash();
     void nibWithTablesHasMenuCommand();
+    void languageChangesOnlyOnPurpose_data();
+    void languageChangesOnlyOnPurpose();
+    void checkAndNextGoesOnToNextFile();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -360,6 +365,65 @@ void TestWindowCommands::nibWithTablesHasMenuCommand()
     QVERIFY(m_dialogs.panels().first().allowedExtensions.contains(QStringLiteral("nib")));
     QCOMPARE(m_window->fileModel()->rowCount(), 0);
     QVERIFY(!m_window->document()->isDocumentEdited());
+}
+
+void TestWindowCommands::languageChangesOnlyOnPurpose_data()
+{
+    QTest::addColumn<bool>("base");
+    QTest::addColumn<int>("tag");  // 0: the other side's language
+    QTest::addColumn<bool>("withEntries");
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("changed");
+    QTest::addColumn<int>("alerts");
+    QTest::newRow("no entries: no question") << false << 3 << false << 0 << true << 0;
+    QTest::newRow("entries, confirmed") << false << 3 << true << 0 << true << 1;
+    QTest::newRow("entries, cancelled") << false << 3 << true << 1 << false << 1;
+    QTest::newRow("base cancelled") << true << 3 << true << 1 << false << 1;
+    QTest::newRow("same language as the target") << true << 0 << false << 0 << false << 1;
+    QTest::newRow("same language as the base") << false << 0 << true << 0 << false << 1;
+}
+
+void TestWindowCommands::languageChangesOnlyOnPurpose()
+{
+    QFETCH(bool, base);
+    QFETCH(int, tag);
+    QFETCH(bool, withEntries);
+    QFETCH(int, answer);
+    QFETCH(bool, changed);
+    QFETCH(int, alerts);
+    if (withEntries) addThreeFiles();
+    MyDocument *doc = m_window->document();
+    const int before = base ? doc->locLangFrom() : doc->locLangTo();
+    if (tag == 0) tag = base ? doc->locLangTo() : doc->locLangFrom();
+    QVERIFY(tag != before);
+    LanguageComboBox *popup = base ? m_window->languageFromPp() : m_window->languageToPp();
+    m_dialogs.clearLog();
+    m_dialogs.queueAlertButton(answer);
+    const int index = popup->findData(tag);
+    popup->setCurrentIndex(index);
+    emit popup->activated(index);
+    QCOMPARE(m_dialogs.alerts().size(), alerts);
+    const int now = base ? doc->locLangFrom() : doc->locLangTo();
+    QCOMPARE(now, changed ? tag : before);
+    QCOMPARE(popup->selectedTag(), now);
+    QCOMPARE(doc->locLangFrom() == doc->locLangTo(), false);
+    QCOMPARE(popup->focusPolicy(), Qt::ClickFocus);
+}
+
+void TestWindowCommands::checkAndNextGoesOnToNextFile()
+{
+    addThreeFiles();
+    m_window->selectFileRows({0});
+    m_window->selectEntryRow(0);
+    m_window->checkLocalized();
+    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{m_window->fileModel()->fileAt(1)});
+    QCOMPARE(m_window->currentEntry(), m_window->fileModel()->fileAt(1)->entries().first());
+    QVERIFY(m_window->fileModel()->fileAt(0)->entries().first()->isChecked());
+    // The third file done already, the first too: nowhere to go, the selection stays.
+    m_window->fileModel()->fileAt(2)->entries().first()->setCheck(true);
+    m_window->checkLocalized();
+    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{m_window->fileModel()->fileAt(1)});
+    QCOMPARE(m_window->currentEntry(), m_window->fileModel()->fileAt(1)->entries().first());
 }
 
 QTEST_MAIN(TestWindowCommands)
