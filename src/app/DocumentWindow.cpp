@@ -1,5 +1,6 @@
 #include "DocumentWindow.h"
 
+#include "DocumentUndo.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "FileTableMenu.h"
@@ -57,6 +58,7 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
 
     m_fileModel = new FileTableModel(document, this);
     m_entryModel = new EntryTableModel(document, this);
+    m_undo = new DocumentUndo(document, this);
     buildLayout();
     makeMyToolBarItems();
     makeMenus();
@@ -183,7 +185,20 @@ QWidget *DocumentWindow::buildEntryPane()
 void DocumentWindow::wireDocument()
 {
     MyDocument *doc = m_document;
-    connect(m_titleField, &QLineEdit::textEdited, doc, &MyDocument::setTitle);
+    connect(m_titleField, &QLineEdit::textEdited, m_undo, &DocumentUndo::setTitle);
+    // Words and marks changed in the editor or in the table are steps of the undo stack.
+    auto begin = [this](const LocEntryPtr &entry, const QString &name) { m_undo->beginEntryChange({entry}, name); };
+    connect(m_entryEditor, &EntryEditor::entryAboutToChange, m_undo, begin);
+    connect(m_entryEditor, &EntryEditor::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
+    connect(m_entryModel, &EntryTableModel::entryAboutToChange, m_undo, begin);
+    connect(m_entryModel, &EntryTableModel::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
+    connect(m_undo, &DocumentUndo::stepApplied, this, [this] {
+        if (const int rows = m_entryModel->rowCount())
+            emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
+        const LocEntryPtr shown = m_entryEditor->entry();
+        m_entryEditor->setEntry(nullptr);
+        m_entryEditor->setEntry(shown);
+    });
     connect(doc, &MyDocument::titleChanged, this, [this] {
         if (m_titleField->text() != m_document->title()) m_titleField->setText(m_document->title());
     });

@@ -15,6 +15,7 @@
 
 class Dialogs;
 struct ExportResult;
+class DocumentUndo;
 class EntryEditor;
 class EntryTableModel;
 class FileTableMenu;
@@ -62,6 +63,7 @@ public:
     FilesDrawer *drawer() const { return m_drawer; }
     FileTableMenu *fileTableMenu() const { return m_fileTableMenu; }
     QAction *menuAction(const QString &name) const { return m_menuActions.value(name); }
+    DocumentUndo *undo() const { return m_undo; }
 
     // ---- Selection
     QList<LocFilePtr> selectedFiles() const;  // in table order
@@ -150,6 +152,7 @@ private:
     ToolbarController *m_toolbarController = nullptr;
     FilesDrawer *m_drawer = nullptr;
     FileTableMenu *m_fileTableMenu = nullptr;
+    DocumentUndo *m_undo = nullptr;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;
 

@@ -2,6 +2,7 @@
 #include "DocumentWindow.h"
 
 #include "Dialogs.h"
+#include "DocumentUndo.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "LanguageComboBox.h"
@@ -20,6 +21,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QStyle>
+#include <QUndoStack>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -139,6 +141,16 @@ void DocumentWindow::makeMenus()
     add(file, QStringLiteral("Quit"), tr("&Quit"), QKeySequence::Quit, &DocumentWindow::quitRequested);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    // The entry editor keeps its own text undo while it has the focus.
+    QAction *undo = m_undo->makeUndoAction(this);
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = m_undo->makeRedoAction(this);
+    redo->setShortcut(QKeySequence::Redo);
+    edit->addAction(undo);
+    edit->addAction(redo);
+    m_menuActions.insert(QStringLiteral("Undo"), undo);
+    m_menuActions.insert(QStringLiteral("Redo"), redo);
+    edit->addSeparator();
     add(edit, QStringLiteral("CheckLocalized"), tr("Check and &Next"), QKeySequence(Qt::CTRL | Qt::Key_Return),
         &DocumentWindow::checkLocalized);
     add(edit, QStringLiteral("NextEntry"), tr("Ne&xt Entry"), QKeySequence(Qt::CTRL | Qt::Key_Down), &DocumentWindow::selectNext);
@@ -281,7 +293,9 @@ void DocumentWindow::checkLocalized()
     m_entryEditor->commit();
     QList<LocEntryPtr> entries = selectedEntries();
     if (entries.isEmpty() && currentEntry()) entries.append(currentEntry());
+    m_undo->beginEntryChange(entries, tr("Check and Next"));
     m_document->checkLocalized(entries);
+    m_undo->endEntryChange();
     const bool atEnd = m_entryTable->currentIndex().row() + 1 >= m_entryModel->rowCount();
     if (atEnd && selectNextUncheckedFile()) return;
     selectNext();

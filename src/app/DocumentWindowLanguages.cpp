@@ -3,6 +3,7 @@
 #include "DocumentWindow.h"
 
 #include "Dialogs.h"
+#include "DocumentUndo.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "FileTableModel.h"
@@ -54,14 +55,7 @@ void DocumentWindow::chooseLanguage(bool base, int tag)
         m_entryEditor->focusEditor();
         return;
     }
-    // A popup sets the property first, then runs its action.
-    if (base) {
-        m_document->setLocLangFrom(tag);
-        m_document->changeOriginalLanguage();
-    } else {
-        m_document->setLocLangTo(tag);
-        m_document->changeTargetLanguage();
-    }
+    m_undo->setLanguage(base, tag);
     m_entryEditor->focusEditor();
 }
 

@@ -15,12 +15,22 @@
 #include "Settings.h"
 #include "ToolbarController.h"
 
+#include "DocumentUndo.h"
+#include "EntryEditor.h"
+
 #include <QAction>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QUndoStack>
 #include <QListWidget>
 #include <QMenu>
 #include <QPointer>
 #include <QTableView>
 #include <QToolBar>
+
+using StringUtility::wordOrEmpty;
 
 class TestWindowCommands : public QObject {
     Q_OBJECT
@@ -45,6 +55,8 @@ private slots:
     void languageChangesOnlyOnPurpose_data();
     void languageChangesOnlyOnPurpose();
     void checkAndNextGoesOnToNextFile();
+    void undoRedoEachKind_data();
+    void undoRedoEachKind();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -97,7 +109,7 @@ void TestWindowCommands::addThreeFiles()
 {
     QList<QPair<QString, OptString>> paths;
     for (const char *name : {"A.strings", "B.strings", "C.strings"})
-        paths.append({TestSupport::writeFile(m_dir->filePath(QString::fromLatin1(name)), "\"k\" = \"v\";\n"), std::nullopt});
+        paths.append({TestSupport::writeFile(m_dir->filePath(QString::fromLatin1(name)), "\"k\" = \"v\";\n\"m\" = \"w\";\n"), std::nullopt});
     m_window->document()->addFiles(paths);
     QCOMPARE(m_window->fileModel()->rowCount(), 3);
 }
@@ -424,6 +436,91 @@ void TestWindowCommands::checkAndNextGoesOnToNextFile()
     m_window->checkLocalized();
     QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{m_window->fileModel()->fileAt(1)});
     QCOMPARE(m_window->currentEntry(), m_window->fileModel()->fileAt(1)->entries().first());
+}
+
+void TestWindowCommands::undoRedoEachKind_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("step");
+    QTest::newRow("typing a word") << "typing" << "Typing";
+    QTest::newRow("the check box") << "check box" << "Check Mark";
+    QTest::newRow("a mark in the table") << "table mark" << "Check Mark";
+    QTest::newRow("Check and Next, two entries") << "check several" << "Check and Next";
+    QTest::newRow("the title, typed") << "title" << "Title";
+    QTest::newRow("the base language") << "language" << "Base Language";
+    QTest::newRow("files reordered by dragging") << "order" << "Move Files";
+}
+
+void TestWindowCommands::undoRedoEachKind()
+{
+    QFETCH(QString, kind);
+    QFETCH(QString, step);
+    addThreeFiles();
+    MyDocument *doc = m_window->document();
+    m_window->selectFileRows({0});
+    m_window->selectEntryRow(0);
+    const LocFilePtr a = m_window->fileModel()->fileAt(0);
+    const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
+    const std::function<QString()> state = [&]() -> QString {
+        if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? "+" : "-");
+        if (kind == QLatin1String("title")) return doc->title();
+        if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
+        if (kind == QLatin1String("order")) {
+            QStringList names;
+            for (const LocFilePtr &f : doc->files()) names.append(f->fileName());
+            return names.join(u',');
+        }
+        return QStringLiteral("%1%2").arg(first->isChecked()).arg(second->isChecked());
+    };
+    const QString before = state();
+    doc->updateChangeCount(MyDocument::ChangeCleared);
+
+    if (kind == QLatin1String("typing")) {
+        m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
+        QVERIFY(m_window->entryEditor()->commit());
+    } else if (kind == QLatin1String("check box")) {
+        m_window->entryEditor()->checkBox()->click();
+    } else if (kind == QLatin1String("table mark")) {
+        QVERIFY(m_window->entryModel()->setData(m_window->entryModel()->index(1, EntryTableModel::CheckColumn),
+                                                 Qt::Checked, Qt::CheckStateRole));
+    } else if (kind == QLatin1String("check several")) {
+        m_window->entryTable()->selectAll();
+        m_window->checkLocalized();
+    } else if (kind == QLatin1String("title")) {
+        QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
+    } else if (kind == QLatin1String("language")) {
+        m_dialogs.queueAlertButton(0);
+        const int index = m_window->languageFromPp()->findData(doc->locLangTo() == 3 ? 4 : 3);
+        emit m_window->languageFromPp()->activated(index);
+    } else {
+        QMimeData *dragged = m_window->fileModel()->mimeData({m_window->fileModel()->index(0, 0)});
+        QVERIFY(m_window->fileModel()->dropMimeData(dragged, Qt::MoveAction, 3, 0, QModelIndex()));
+        delete dragged;
+    }
+    const QString after = state();
+    QVERIFY2(after != before, qPrintable(after));
+    // Every change the archive keeps marks the document changed, check marks included.
+    QVERIFY(doc->isDocumentEdited());
+    QUndoStack *stack = m_window->undo()->stack();
+    QCOMPARE(stack->count(), 1);  // one step, however many letters or entries
+    QAction *undo = m_window->menuAction(QStringLiteral("Undo"));
+    QCOMPARE(undo->text(), QStringLiteral("&Undo ") + step);
+    QVERIFY(undo->isEnabled());
+
+    doc->updateChangeCount(MyDocument::ChangeCleared);
+    undo->trigger();
+    QCOMPARE(state(), before);
+    QVERIFY(doc->isDocumentEdited());
+    QCOMPARE(m_window->menuAction(QStringLiteral("Redo"))->text(), QStringLiteral("&Redo ") + step);
+    m_window->menuAction(QStringLiteral("Redo"))->trigger();
+    QCOMPARE(state(), after);
+    if (kind == QLatin1String("typing"))
+        QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), QStringLiteral("Wort"));
+
+    // Deleting files cannot be undone, and takes the steps before it along.
+    doc->removeFiles({doc->files().last()});
+    QVERIFY(!stack->canUndo());
+    QVERIFY(!undo->isEnabled());
 }
 
 QTEST_MAIN(TestWindowCommands)
