@@ -2,6 +2,7 @@
 
 #include "ToolbarController.h"
 
+#include <QAction>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>

@@ -4,7 +4,7 @@
 
 #include <QDockWidget>
 
-class QAction;
+class QMainWindow;
 
 class FilesDrawer : public QDockWidget {
     Q_OBJECT

@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QToolBar>
 #include <QWidgetAction>
+#include <utility>
 
 const QString ToolbarController::SpaceItem = QStringLiteral("Space");
 const QString ToolbarController::FlexibleSpaceItem = QStringLiteral("FlexibleSpace");
@@ -132,13 +133,14 @@ QAction *ToolbarController::makeStandardItem(const QString &id)
 
 CustomizeToolbarDialog *ToolbarController::runCustomizePalette()
 {
-    if (auto *open = m_window->findChild<CustomizeToolbarDialog *>()) {
-        open->raise();
-        return open;
+    if (m_palette && m_palette->isVisible()) {
+        m_palette->raise();
+        return m_palette;
     }
     auto *dialog = new CustomizeToolbarDialog(allowedItemIdentifiers(), defaultItemIdentifiers(), m_identifiers, m_window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog] { setItemIdentifiers(dialog->itemIdentifiers()); });
     dialog->open();
+    m_palette = dialog;
     return dialog;
 }

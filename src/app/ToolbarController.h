@@ -6,6 +6,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 
 class QAction;
@@ -53,5 +54,6 @@ private:
     QHash<QString, QAction *> m_items;
     QAction *m_trailing = nullptr;
     QStringList m_identifiers;
-    QList<QAction *> m_standardItems;  // made for the current arrangement, replaced on rebuild
+    QList<QAction *> m_standardItems;
+    QPointer<CustomizeToolbarDialog> m_palette;  // made for the current arrangement, replaced on rebuild
 };

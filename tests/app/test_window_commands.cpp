@@ -20,10 +20,12 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QUndoStack>
+#include <functional>
 #include <QListWidget>
 #include <QMenu>
 #include <QPointer>
@@ -31,6 +33,15 @@
 #include <QToolBar>
 
 using StringUtility::wordOrEmpty;
+
+namespace {
+QStringList names(std::initializer_list<const char *> items)
+{
+    QStringList list;
+    for (const char *item : items) list.append(QString::fromUtf8(item));
+    return list;
+}
+}  // namespace
 
 class TestWindowCommands : public QObject {
     Q_OBJECT
@@ -132,8 +143,8 @@ QList<int> TestWindowCommands::selectedRows() const
 
 void TestWindowCommands::newWindowShowsDefaultToolbar()
 {
-    const QStringList expected{"LanguageFrom", "LanguageTo", "Space", "AddFile", "Export",
-                               "FlexibleSpace", "Customize", "Separator", "Files"};
+    const QStringList expected = names({"LanguageFrom", "LanguageTo", "Space", "AddFile", "Export", "FlexibleSpace",
+                                        "Customize", "Separator", "Files"});
     QCOMPARE(shownIdentifiers(m_window), expected);
     QCOMPARE(m_window->toolbar()->objectName(), QStringLiteral("MyToolbar"));
     QCOMPARE(m_window->toolbar()->actions().last()->objectName(), QString());  // the search field closes it
@@ -165,11 +176,11 @@ void TestWindowCommands::savedArrangementIsRestored_data()
 {
     QTest::addColumn<QStringList>("chosen");
     QTest::addColumn<QStringList>("shown");
-    QTest::newRow("allowed items only") << QStringList{"Delete", "ExportAll", "Files"}
-                                        << QStringList{"Delete", "ExportAll", "Files"};
+    QTest::newRow("allowed items only") << names({"Delete", "ExportAll", "Files"})
+                                        << names({"Delete", "ExportAll", "Files"});
     QTest::newRow("spaces repeat, items do not")
-        << QStringList{"Files", "Space", "Files", "Space", "Separator"} << QStringList{"Files", "Space", "Space", "Separator"};
-    QTest::newRow("unknown identifiers dropped") << QStringList{"Bogus", "AddFile", ""} << QStringList{"AddFile"};
+        << names({"Files", "Space", "Files", "Space", "Separator"}) << names({"Files", "Space", "Space", "Separator"});
+    QTest::newRow("unknown identifiers dropped") << names({"Bogus", "AddFile", ""}) << names({"AddFile"});
     QTest::newRow("empty toolbar") << QStringList{} << QStringList{};
 }
 
@@ -199,8 +210,8 @@ void TestWindowCommands::customizePalette()
     QVERIFY(dialog);
     QStringList offered;
     for (int i = 0; i < dialog->palette()->count(); ++i) offered.append(dialog->palette()->item(i)->text());
-    QCOMPARE(offered, (QStringList{"From", "To", "Add File", "Delete", "Files", "Export", "Export All", "Customize",
-                                   "Separator", "Space", "Flexible Space"}));
+    QCOMPARE(offered, (names({"From", "To", "Add File", "Delete", "Files", "Export", "Export All", "Customize",
+                                   "Separator", "Space", "Flexible Space"})));
     QCOMPARE(dialog->itemIdentifiers(), ToolbarController::defaultItemIdentifiers());
 
     // Delete after Add File, Export out, a second Files refused; the window follows on OK.
@@ -212,13 +223,14 @@ void TestWindowCommands::customizePalette()
     dialog->removeSelected();
     dialog->toolbarList()->setCurrentRow(0, QItemSelectionModel::ClearAndSelect);
     dialog->moveSelected(1);
-    const QStringList arranged{"LanguageTo", "LanguageFrom", "Space", "AddFile", "Delete",
-                               "FlexibleSpace", "Customize", "Separator", "Files"};
+    const QStringList arranged = names({"LanguageTo", "LanguageFrom", "Space", "AddFile", "Delete", "FlexibleSpace",
+                                        "Customize", "Separator", "Files"});
     QCOMPARE(dialog->itemIdentifiers(), arranged);
     dialog->accept();
     QCOMPARE(shownIdentifiers(m_window), arranged);
     QCOMPARE(Settings::instance().value(QStringLiteral("MyToolbar")).toStringList(), arranged);
     QVERIFY(m_window->toolbar()->actions().contains(m_window->toolbarItem(QStringLiteral("Delete"))));
+    QTRY_VERIFY(!m_window->findChild<CustomizeToolbarDialog *>());
 
     // Restore Default, then Cancel: nothing changes; then OK: the default arrangement.
     m_window->menuAction(QStringLiteral("CustomizeToolbar"))->trigger();
@@ -231,6 +243,7 @@ void TestWindowCommands::customizePalette()
     QTRY_VERIFY(!m_window->findChild<CustomizeToolbarDialog *>());
     m_window->menuAction(QStringLiteral("CustomizeToolbar"))->trigger();
     dialog = m_window->findChild<CustomizeToolbarDialog *>();
+    QVERIFY(dialog);
     dialog->restoreDefault();
     dialog->accept();
     QCOMPARE(shownIdentifiers(m_window), ToolbarController::defaultItemIdentifiers());
@@ -442,13 +455,13 @@ void TestWindowCommands::undoRedoEachKind_data()
 {
     QTest::addColumn<QString>("kind");
     QTest::addColumn<QString>("step");
-    QTest::newRow("typing a word") << "typing" << "Typing";
-    QTest::newRow("the check box") << "check box" << "Check Mark";
-    QTest::newRow("a mark in the table") << "table mark" << "Check Mark";
-    QTest::newRow("Check and Next, two entries") << "check several" << "Check and Next";
-    QTest::newRow("the title, typed") << "title" << "Title";
-    QTest::newRow("the base language") << "language" << "Base Language";
-    QTest::newRow("files reordered by dragging") << "order" << "Move Files";
+    QTest::newRow("typing a word") << QStringLiteral("typing") << QStringLiteral("Typing");
+    QTest::newRow("the check box") << QStringLiteral("check box") << QStringLiteral("Check Mark");
+    QTest::newRow("a mark in the table") << QStringLiteral("table mark") << QStringLiteral("Check Mark");
+    QTest::newRow("Check and Next, two entries") << QStringLiteral("check several") << QStringLiteral("Check and Next");
+    QTest::newRow("the title, typed") << QStringLiteral("title") << QStringLiteral("Title");
+    QTest::newRow("the base language") << QStringLiteral("language") << QStringLiteral("Base Language");
+    QTest::newRow("files reordered by dragging") << QStringLiteral("order") << QStringLiteral("Move Files");
 }
 
 void TestWindowCommands::undoRedoEachKind()
@@ -462,7 +475,7 @@ void TestWindowCommands::undoRedoEachKind()
     const LocFilePtr a = m_window->fileModel()->fileAt(0);
     const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
     const std::function<QString()> state = [&]() -> QString {
-        if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? "+" : "-");
+        if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
         if (kind == QLatin1String("title")) return doc->title();
         if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
         if (kind == QLatin1String("order")) {
