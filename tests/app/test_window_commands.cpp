@@ -438,17 +438,20 @@ void TestWindowCommands::languageChangesOnlyOnPurpose()
 void TestWindowCommands::checkAndNextGoesOnToNextFile()
 {
     addThreeFiles();
+    FileTableModel *files = m_window->fileModel();
     m_window->selectFileRows({0});
-    m_window->selectEntryRow(0);
+    m_window->selectEntryRow(1);
     m_window->checkLocalized();
-    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{m_window->fileModel()->fileAt(1)});
-    QCOMPARE(m_window->currentEntry(), m_window->fileModel()->fileAt(1)->entries().first());
-    QVERIFY(m_window->fileModel()->fileAt(0)->entries().first()->isChecked());
-    // The third file done already, the first too: nowhere to go, the selection stays.
-    m_window->fileModel()->fileAt(2)->entries().first()->setCheck(true);
+    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{files->fileAt(1)});
+    QCOMPARE(m_window->currentEntry(), files->fileAt(1)->entries().first());
+    QVERIFY(files->fileAt(0)->entries().last()->isChecked());
+    // The third file done, the first too (the search wraps): nowhere to go, the selection stays.
+    for (const LocEntryPtr &e : files->fileAt(2)->entries()) e->setCheck(true);
+    files->fileAt(0)->entries().first()->setCheck(true);
+    m_window->selectEntryRow(1);
     m_window->checkLocalized();
-    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{m_window->fileModel()->fileAt(1)});
-    QCOMPARE(m_window->currentEntry(), m_window->fileModel()->fileAt(1)->entries().first());
+    QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{files->fileAt(1)});
+    QCOMPARE(m_window->currentEntry(), files->fileAt(1)->entries().last());
 }
 
 void TestWindowCommands::undoRedoEachKind_data()
