@@ -1,28 +1,30 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-drawer.png (the document window with the Files drawer open, the sample
-# bundle added) and docs/screenshot-customize.png (the toolbar's customize dialog) from the
-# build tree's application on a virtual X screen. Needs xvfb, xdotool and imagemagick.
+# Takes docs/screenshot-drawer.png (the document window with the Files drawer open, on the sample
+# bundle translated with its previous release) and docs/screenshot-customize.png (the toolbar's
+# customize dialog over it), from the build tree, on a virtual X screen without a window manager.
+# Needs xvfb, xdotool and imagemagick.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-app="${1:-build/bin/vocabrix}"
+bin="${1:-build/bin}"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" XDG_DATA_HOME="$work/home/.local/share"
 mkdir -p "$HOME"
-xvfb-run -a -s "-screen 0 1280x800x24" bash -s "$app" <<'SCREEN'
+"$bin/vocabrix-cli" job --from en --to fr --title Notekeeper --add samples/Notekeeper.app \
+  --previous samples/Notekeeper-1.0.app --save "$work/Notekeeper.vocabrix" >/dev/null
+xvfb-run -a -s "-screen 0 1280x800x24" bash -s "$bin/vocabrix" "$work/Notekeeper.vocabrix" <<'SCREEN'
 set -euo pipefail
-"$1" samples/Notekeeper.app &
+"$1" "$2" &
 pid=$!
-# The previous-version panel comes first: no previous release for this picture.
-panel=$(timeout 30 xdotool search --sync --onlyvisible --name "Notekeeper|previous|Select" | head -1)
-sleep 1
-xdotool windowactivate --sync "$panel" key Escape || true
-sleep 2
-wid=$(timeout 30 xdotool search --sync --onlyvisible --name "Vocabrix" | head -1)
+wid=$(timeout 30 xdotool search --sync --onlyvisible --name "Notekeeper" | head -1)
 xdotool windowmove "$wid" 0 0 windowsize "$wid" 1280 800
 sleep 2
+# Without a window manager the keyboard follows the pointer.
+xdotool mousemove 640 400 click 1
+xdotool mousemove 80 131 click 1
+sleep 1
 import -window root docs/screenshot-drawer.png
-xdotool windowactivate --sync "$wid" key alt+v
+xdotool key alt+v
 sleep 1
 xdotool key Down Return
 sleep 2

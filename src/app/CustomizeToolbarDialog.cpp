@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPixmap>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -77,8 +78,16 @@ QListWidgetItem *CustomizeToolbarDialog::makeItem(const QString &identifier) con
 {
     auto *item = new QListWidgetItem(ToolbarController::paletteLabel(identifier));
     item->setData(IdentifierRole, identifier);
+    QIcon icon;
     if (auto *owner = parentWidget())
-        if (auto *action = owner->findChild<QAction *>(identifier)) item->setIcon(action->icon());
+        if (auto *action = owner->findChild<QAction *>(identifier)) icon = action->icon();
+    if (icon.isNull()) {
+        // Items without an image keep their labels in line with the others.
+        QPixmap blank(m_palette->iconSize());
+        blank.fill(Qt::transparent);
+        icon = QIcon(blank);
+    }
+    item->setIcon(icon);
     item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
     return item;
 }

@@ -2,6 +2,7 @@
 
 #include "CustomizeToolbarDialog.h"
 #include "Settings.h"
+#include "ToolbarIcons.h"
 #include "UiText.h"
 
 #include <QAction>
@@ -113,9 +114,7 @@ QAction *ToolbarController::makeStandardItem(const QString &id)
         item = new QAction(this);
         item->setSeparator(true);
     } else if (id == CustomizeItem) {
-        item = new QAction(QIcon::fromTheme(QStringLiteral("configure-toolbars"),
-                                            QIcon::fromTheme(QStringLiteral("preferences-system"))),
-                           tr("Customize"), this);
+        item = new QAction(toolbarIcon(CustomizeItem), tr("Customize"), this);
         item->setToolTip(tr("Choose the items of this toolbar"));
         connect(item, &QAction::triggered, this, [this] { runCustomizePalette(); });
     } else {

@@ -82,6 +82,22 @@ void drawBasket(QPainter &p, const QRectF &r)
                    QPointF(r.left() + r.width() * x, r.bottom() - r.height() * 0.16));
 }
 
+// A toolbar strip with a pencil over it (Customize).
+void drawCustomize(QPainter &p, const QRectF &r)
+{
+    p.setPen(QPen(QColor(90, 100, 115), r.width() * 0.05));
+    p.setBrush(QColor(250, 250, 252));
+    p.drawRoundedRect(QRectF(r.left() + r.width() * 0.04, r.top() + r.height() * 0.3, r.width() * 0.92, r.height() * 0.4),
+                      r.width() * 0.06, r.width() * 0.06);
+    p.setBrush(QColor(200, 215, 235));
+    for (int i = 0; i < 3; ++i)
+        p.drawRect(QRectF(r.left() + r.width() * (0.12 + 0.27 * i), r.top() + r.height() * 0.38, r.width() * 0.18,
+                          r.height() * 0.24));
+    p.setPen(QPen(QColor(214, 140, 30), r.width() * 0.12, Qt::SolidLine, Qt::RoundCap));
+    p.drawLine(QPointF(r.left() + r.width() * 0.55, r.bottom() - r.height() * 0.08),
+               QPointF(r.right() - r.width() * 0.06, r.top() + r.height() * 0.1));
+}
+
 class DrawnIcon : public QIconEngine {
 public:
     explicit DrawnIcon(QString id) : m_id(std::move(id)) {}
@@ -94,9 +110,10 @@ public:
         const QRectF r = QRectF(rect).adjusted(1, 1, -1, -1);
         const qreal s = r.width();
         const QRectF badge(r.left() + s * 0.5, r.top() + s * 0.5, s * 0.48, s * 0.48);
-        if (m_id == QLatin1String("Files") || m_id == QLatin1String("Delete")) {
+        if (m_id == QLatin1String("Files") || m_id == QLatin1String("Delete") || m_id == QLatin1String("Customize")) {
             if (m_id == QLatin1String("Files")) drawDrawer(*p, r);
-            else drawBasket(*p, r);
+            else if (m_id == QLatin1String("Delete")) drawBasket(*p, r);
+            else drawCustomize(*p, r);
             p->restore();
             return;
         }
