@@ -8,6 +8,7 @@
 #include "FilesDrawer.h"
 #include "LanguageComboBox.h"
 #include "MyDocument.h"
+#include "ProgressPanel.h"
 #include "QtDialogs.h"
 #include "Settings.h"
 #include "UiText.h"
@@ -59,6 +60,7 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
     m_fileModel = new FileTableModel(document, this);
     m_entryModel = new EntryTableModel(document, this);
     m_undo = new DocumentUndo(document, this);
+    m_progressPanel = new ProgressPanel(document, this);
     buildLayout();
     makeMyToolBarItems();
     makeMenus();

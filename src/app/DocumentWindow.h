@@ -29,6 +29,7 @@ class QMenu;
 class QProgressBar;
 class QTableView;
 class QToolBar;
+class ProgressPanel;
 class QtDialogs;
 class SavePanel;
 class ToolbarController;
@@ -64,6 +65,7 @@ public:
     FileTableMenu *fileTableMenu() const { return m_fileTableMenu; }
     QAction *menuAction(const QString &name) const { return m_menuActions.value(name); }
     DocumentUndo *undo() const { return m_undo; }
+    ProgressPanel *progressPanel() const { return m_progressPanel; }
 
     // ---- Selection
     QList<LocFilePtr> selectedFiles() const;  // in table order
@@ -153,6 +155,7 @@ private:
     FilesDrawer *m_drawer = nullptr;
     FileTableMenu *m_fileTableMenu = nullptr;
     DocumentUndo *m_undo = nullptr;
+    ProgressPanel *m_progressPanel = nullptr;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;
 

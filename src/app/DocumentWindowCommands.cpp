@@ -218,6 +218,10 @@ namespace {
 QString exportedText(const ExportResult &result)
 {
     const QString folder = QDir::toNativeSeparators(result.folder);
+    if (result.stopped)
+        return QObject::tr("Export stopped: %1 files written to %2; the dictionary learnt nothing.")
+            .arg(result.written.size())
+            .arg(folder);
     if (result.written.size() == 1) return QObject::tr("1 file exported to %1.").arg(folder);
     return QObject::tr("%1 files exported to %2.").arg(result.written.size()).arg(folder);
 }

@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <utility>
 
 namespace {
 
@@ -142,15 +143,19 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, con
     ExportResult result;
     result.folder = folder;
     setLoadingFiles(true);
+    m_stopRequested = false;
     int done = 0;
     for (const LocFilePtr &file : files) {
+        if (m_stopRequested) break;
         // A later file's word replaces an earlier one's for the same base word.
         result.pairs.insertAll(file->makeLocalizedFileAt(folder));
         const QString output = QDir(folder).filePath(QFileInfo(file->path()).fileName());
         (QFileInfo::exists(output) ? result.written : result.failed).append(output);
         emit progress(++done, int(files.size()));
     }
-    result.merge = saveDictionary(result.pairs);
+    result.stopped = std::exchange(m_stopRequested, false);
+    if (result.stopped) result.pairs = StringMap();
+    else result.merge = saveDictionary(result.pairs);
     dialogs().revealInFileManager(folder);
     setLoadingFiles(false);
     saveSpellCheck();

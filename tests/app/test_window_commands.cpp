@@ -13,6 +13,7 @@
 #include "MyDocument.h"
 #include "ScriptedDialogs.h"
 #include "Settings.h"
+#include "ProgressPanel.h"
 #include "ToolbarController.h"
 
 #include "DocumentUndo.h"
@@ -20,10 +21,13 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QDir>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QUndoStack>
 #include <functional>
 #include <QListWidget>
@@ -68,6 +72,8 @@ private slots:
     void checkAndNextGoesOnToNextFile();
     void undoRedoEachKind_data();
     void undoRedoEachKind();
+    void cancelStopsAfterCurrentFile_data();
+    void cancelStopsAfterCurrentFile();
 
 private:
     std::unique_ptr<QTemporaryDir> m_dir;
@@ -537,6 +543,55 @@ void TestWindowCommands::undoRedoEachKind()
     doc->removeFiles({doc->files().last()});
     QVERIFY(!stack->canUndo());
     QVERIFY(!undo->isEnabled());
+}
+
+void TestWindowCommands::cancelStopsAfterCurrentFile_data()
+{
+    QTest::addColumn<bool>("exporting");
+    QTest::newRow("adding three files") << false;
+    QTest::newRow("exporting three files") << true;
+}
+
+void TestWindowCommands::cancelStopsAfterCurrentFile()
+{
+    QFETCH(bool, exporting);
+    MyDocument *doc = m_window->document();
+    if (exporting) addThreeFiles();
+    doc->updateChangeCount(MyDocument::ChangeCleared);
+    // Cancel pressed in the panel while the first file is done.
+    int reported = 0;
+    connect(doc, &MyDocument::progress, this, [&](int done, int total) {
+        ++reported;
+        QCOMPARE(total, 3);
+        QProgressDialog *panel = m_window->progressPanel()->dialog();
+        QVERIFY(panel);
+        QVERIFY(panel->isModal() || panel->windowModality() == Qt::WindowModal);
+        if (done == 1) panel->findChild<QPushButton *>()->click();
+    });
+    if (exporting) {
+        const QString out = m_dir->filePath(QStringLiteral("out"));
+        QVERIFY(QDir().mkpath(out));
+        const ExportResult result = doc->makeLocalizedFilesInto(doc->files(), out, true);
+        QVERIFY(result.stopped);
+        QCOMPARE(result.written.size(), 1);
+        QVERIFY(result.pairs.isEmpty());
+        QCOMPARE(QDir(out).entryList(QDir::Files).size(), 1);
+    } else {
+        QList<QPair<QString, OptString>> paths;
+        for (const char *name : {"A.strings", "B.strings", "C.strings"})
+            paths.append({TestSupport::writeFile(m_dir->filePath(QString::fromLatin1(name)), "\"k\" = \"v\";\n"), std::nullopt});
+        QVERIFY(doc->addFiles(paths).isEmpty());
+        // As before the command: no file, not changed.
+        QCOMPARE(doc->files().size(), 0);
+        QCOMPARE(m_window->fileModel()->rowCount(), 0);
+        QVERIFY(!doc->isDocumentEdited());
+    }
+    QCOMPARE(reported, 1);
+    QVERIFY(!doc->loadingFiles());
+    QVERIFY(!m_window->progressPanel()->dialog());
+    // The next run is not stopped by the last one's Cancel.
+    disconnect(doc, &MyDocument::progress, this, nullptr);
+    if (!exporting) addThreeFiles();
 }
 
 QTEST_MAIN(TestWindowCommands)
