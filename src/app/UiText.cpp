@@ -25,6 +25,7 @@ const QHash<QString, QString> &englishLabels()
         {QStringLiteral("LanguageTo"), QStringLiteral("To")},
         {QStringLiteral("LanguageToTooltip"), QStringLiteral("Target language")},
         {QStringLiteral("OpenPanel"), QStringLiteral("Add Files")},
+        {QStringLiteral("SearchTooltip"), QStringLiteral("Show only the entries that contain this text, in every file")},
     };
     return labels;
 }
