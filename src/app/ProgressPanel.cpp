@@ -2,6 +2,7 @@
 
 #include "MyDocument.h"
 
+#include <QFileInfo>
 #include <QProgressDialog>
 
 ProgressPanel::ProgressPanel(MyDocument *document, QWidget *window)
@@ -9,6 +10,7 @@ ProgressPanel::ProgressPanel(MyDocument *document, QWidget *window)
 {
     connect(document, &MyDocument::loadingFilesChanged, this, &ProgressPanel::loadingChanged);
     connect(document, &MyDocument::progress, this, &ProgressPanel::advance);
+    connect(document, &MyDocument::workingOn, this, [this](const QString &path) { m_name = QFileInfo(path).fileName(); });
 }
 
 void ProgressPanel::loadingChanged(bool on)
@@ -33,7 +35,7 @@ void ProgressPanel::advance(int done, int total)
 {
     if (!m_dialog) return;
     m_dialog->setMaximum(total);
-    m_dialog->setLabelText(tr("File %1 of %2").arg(done).arg(total));
+    m_dialog->setLabelText(tr("File %1 of %2: %3").arg(done).arg(total).arg(m_name));
     // Window-modal: this also lets the event loop turn, so Cancel answers.
     m_dialog->setValue(done);
 }

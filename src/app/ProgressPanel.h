@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QProgressDialog>
+#include <QString>
 
 class MyDocument;
 class QWidget;
@@ -23,6 +24,7 @@ private:
     void advance(int done, int total);
 
     MyDocument *m_document;
+    QString m_name;  // of the file at hand
     QWidget *m_window;
     QPointer<QProgressDialog> m_dialog;
 };

@@ -90,12 +90,14 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
         if (isBundlePath(path, bundles)) {
             const QList<QPair<QString, QString>> list = bundleFilesWithPrevious(path, previous);
             for (qsizetype i = 0; i < list.size(); ++i) {
+                emit workingOn(list.at(i).first);
                 if (LocFilePtr f = addFile(list.at(i).first, orNone(list.at(i).second))) added.append(f);
                 emit progress(int(i + 1), int(list.size()));
                 if (m_stopRequested) break;
             }
-        } else if (LocFilePtr f = addFile(path, previous)) {
-            added.append(f);
+        } else {
+            emit workingOn(path);
+            if (LocFilePtr f = addFile(path, previous)) added.append(f);
         }
         ++done;
         if (!isBundlePath(path, bundles)) emit progress(done, int(paths.size()));

@@ -147,6 +147,7 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, con
     int done = 0;
     for (const LocFilePtr &file : files) {
         if (m_stopRequested) break;
+        emit workingOn(file->path());
         // A later file's word replaces an earlier one's for the same base word.
         result.pairs.insertAll(file->makeLocalizedFileAt(folder));
         const QString output = QDir(folder).filePath(QFileInfo(file->path()).fileName());

@@ -189,6 +189,8 @@ signals:
     // paths or exported files). Everything runs on the calling thread; a window that wants to
     // repaint meanwhile may process its pending paint events here.
     void progress(int done, int total);
+    // The file that adding or export takes up next.
+    void workingOn(const QString &path);
 
 private:
     // Builds the export destination for a chosen path: the path itself, or inside a bundle the

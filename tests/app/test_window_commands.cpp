@@ -566,6 +566,7 @@ void TestWindowCommands::cancelStopsAfterCurrentFile()
         QProgressDialog *panel = m_window->progressPanel()->dialog();
         QVERIFY(panel);
         QVERIFY(panel->isModal() || panel->windowModality() == Qt::WindowModal);
+        QCOMPARE(panel->labelText(), QStringLiteral("File %1 of 3: A.strings").arg(done));
         if (done == 1) panel->findChild<QPushButton *>()->click();
     });
     if (exporting) {
