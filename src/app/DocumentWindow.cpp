@@ -1,11 +1,15 @@
 #include "DocumentWindow.h"
 
 #include "DictPanel.h"
+#include "DocumentUndo.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
+#include "FileTableMenu.h"
 #include "FileTableModel.h"
+#include "FilesDrawer.h"
 #include "LanguageComboBox.h"
 #include "MyDocument.h"
+#include "ProgressPanel.h"
 #include "QtDialogs.h"
 #include "Settings.h"
 #include "UiText.h"
@@ -25,23 +29,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-// Backspace in the file table asks to delete the selected files.
-class FileTableKeys : public QObject {
-public:
-    FileTableKeys(DocumentWindow *window) : QObject(window), m_window(window) {}
-    bool eventFilter(QObject *watched, QEvent *event) override
-    {
-        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Backspace) {
-            m_window->deleteCurrentFile();
-            return true;
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    DocumentWindow *m_window;
-};
 
 QTableView *makeTable(QAbstractItemModel *model, const QString &name, QWidget *parent)
 {
@@ -73,6 +60,8 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
 
     m_fileModel = new FileTableModel(document, this);
     m_entryModel = new EntryTableModel(document, this);
+    m_undo = new DocumentUndo(document, this);
+    m_progressPanel = new ProgressPanel(document, this);
     buildLayout();
     m_dictPanel = new DictPanel(document, m_entryEditor, this);
     addDockWidget(Qt::RightDockWidgetArea, m_dictPanel);
@@ -132,18 +121,13 @@ void DocumentWindow::buildLayout()
     titleRow->addWidget(new QLabel(tr("Title:"), this));
     titleRow->addWidget(m_titleField, 1);
 
-    auto *split = new QSplitter(Qt::Horizontal, this);
-    split->addWidget(buildFilePane());
-    split->addWidget(buildEntryPane());
-    split->setStretchFactor(0, 0);
-    split->setStretchFactor(1, 1);
-    split->setSizes({280, 840});
+    m_drawer = new FilesDrawer(buildFilePane(), this);
 
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
     layout->setContentsMargins(8, 6, 8, 4);
     layout->addLayout(titleRow);
-    layout->addWidget(split, 1);
+    layout->addWidget(buildEntryPane(), 1);
     setCentralWidget(central);
 
     m_busyIndicator = new QProgressBar(this);
@@ -167,7 +151,7 @@ QWidget *DocumentWindow::buildFilePane()
     m_fileTable->setDefaultDropAction(Qt::MoveAction);
     m_fileTable->setDropIndicatorShown(true);
     m_fileTable->setDragDropOverwriteMode(false);
-    m_fileTable->installEventFilter(new FileTableKeys(this));
+    m_fileTableMenu = new FileTableMenu(m_fileTable, this);
     connect(m_fileTable, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
         if (const LocFilePtr file = m_fileModel->fileAt(index.row()))
             QDesktopServices::openUrl(QUrl::fromLocalFile(file->path()));
@@ -206,19 +190,25 @@ QWidget *DocumentWindow::buildEntryPane()
 void DocumentWindow::wireDocument()
 {
     MyDocument *doc = m_document;
-    connect(m_titleField, &QLineEdit::textEdited, doc, &MyDocument::setTitle);
+    connect(m_titleField, &QLineEdit::textEdited, m_undo, &DocumentUndo::setTitle);
+    // Words and marks changed in the editor or in the table are steps of the undo stack.
+    auto begin = [this](const LocEntryPtr &entry, const QString &name) { m_undo->beginEntryChange({entry}, name); };
+    connect(m_entryEditor, &EntryEditor::entryAboutToChange, m_undo, begin);
+    connect(m_entryEditor, &EntryEditor::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
+    connect(m_entryModel, &EntryTableModel::entryAboutToChange, m_undo, begin);
+    connect(m_entryModel, &EntryTableModel::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
+    connect(m_undo, &DocumentUndo::stepApplied, this, [this] {
+        if (const int rows = m_entryModel->rowCount())
+            emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
+        const LocEntryPtr shown = m_entryEditor->entry();
+        m_entryEditor->setEntry(nullptr);
+        m_entryEditor->setEntry(shown);
+    });
     connect(doc, &MyDocument::titleChanged, this, [this] {
         if (m_titleField->text() != m_document->title()) m_titleField->setText(m_document->title());
     });
-    // A popup sets the property first, then runs its action.
-    connect(m_languageFromPp, &LanguageComboBox::tagChosen, doc, [doc](int tag) {
-        doc->setLocLangFrom(tag);
-        doc->changeOriginalLanguage();
-    });
-    connect(m_languageToPp, &LanguageComboBox::tagChosen, doc, [doc](int tag) {
-        doc->setLocLangTo(tag);
-        doc->changeTargetLanguage();
-    });
+    connect(m_languageFromPp, &LanguageComboBox::tagChosen, this, [this](int tag) { chooseLanguage(true, tag); });
+    connect(m_languageToPp, &LanguageComboBox::tagChosen, this, [this](int tag) { chooseLanguage(false, tag); });
     connect(doc, &MyDocument::locLangFromChanged, this, [this] { m_languageFromPp->ppSelectItemWithTag(m_document->locLangFrom()); });
     connect(doc, &MyDocument::locLangToChanged, this, [this] {
         m_languageToPp->ppSelectItemWithTag(m_document->locLangTo());
@@ -377,7 +367,7 @@ void DocumentWindow::updateSpellLanguage()
 
 void DocumentWindow::updateWindowTitle()
 {
-    setWindowTitle(m_document->displayName() + QLatin1String("[*] \u2014 Vocabrix"));
+    setWindowTitle(m_document->displayName() + QStringLiteral("[*] \u2014 Vocabrix"));
     setWindowModified(m_document->isDocumentEdited());
     setWindowFilePath(m_document->filePath());
 }

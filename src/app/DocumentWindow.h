@@ -16,9 +16,12 @@
 class Dialogs;
 struct ExportResult;
 class DictPanel;
+class DocumentUndo;
 class EntryEditor;
 class EntryTableModel;
+class FileTableMenu;
 class FileTableModel;
+class FilesDrawer;
 class LanguageComboBox;
 class MyDocument;
 class QLabel;
@@ -27,8 +30,10 @@ class QMenu;
 class QProgressBar;
 class QTableView;
 class QToolBar;
+class ProgressPanel;
 class QtDialogs;
 class SavePanel;
+class ToolbarController;
 
 class DocumentWindow : public QMainWindow {
     Q_OBJECT
@@ -58,6 +63,12 @@ public:
     DictPanel *dictPanel() const { return m_dictPanel; }
     // The toolbar's items by identifier ("AddFile", "Export", "ExportAll", "LanguageFrom", ...).
     QAction *toolbarItem(const QString &identifier) const { return m_toolbarItems.value(identifier); }
+    ToolbarController *toolbarController() const { return m_toolbarController; }
+    FilesDrawer *drawer() const { return m_drawer; }
+    FileTableMenu *fileTableMenu() const { return m_fileTableMenu; }
+    QAction *menuAction(const QString &name) const { return m_menuActions.value(name); }
+    DocumentUndo *undo() const { return m_undo; }
+    ProgressPanel *progressPanel() const { return m_progressPanel; }
 
     // ---- Selection
     QList<LocFilePtr> selectedFiles() const;  // in table order
@@ -76,6 +87,7 @@ public:
     void checkLocalized();
     // The browser of the document's language pair (through the application).
     void showDictionaryBrowser();
+    void readNibAndStringsFile();
 
     // ---- The document framework (DocumentWindowFile.cpp)
     bool save();
@@ -99,6 +111,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    friend class FileTableMenu;  // reveals through this window's dialogs
     void buildLayout();
     QWidget *buildFilePane();
     QWidget *buildEntryPane();
@@ -117,6 +130,10 @@ private:
     void showCurrentFile();
     void restoreFileSelection();
     void restoreEntrySelection();
+    // DocumentWindowLanguages.cpp
+    bool confirmLanguageChange(bool base, int tag);
+    void chooseLanguage(bool base, int tag);
+    bool selectNextUncheckedFile();
     void updateSearchResult(LocEntry *entry);
     void removeCurrentEntryFromSearchResult(const LocFilePtr &file, const LocEntry *entry);
     bool writeTo(const QString &path);
@@ -142,6 +159,11 @@ private:
     QToolBar *m_toolbar = nullptr;
     DictPanel *m_dictPanel = nullptr;
     QHash<QString, QAction *> m_toolbarItems;
+    ToolbarController *m_toolbarController = nullptr;
+    FilesDrawer *m_drawer = nullptr;
+    FileTableMenu *m_fileTableMenu = nullptr;
+    DocumentUndo *m_undo = nullptr;
+    ProgressPanel *m_progressPanel = nullptr;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;
 

@@ -3,13 +3,16 @@
 
 #include "DictPanel.h"
 #include "Dialogs.h"
+#include "DocumentUndo.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "LanguageComboBox.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "Settings.h"
+#include "ToolbarController.h"
 #include "ToolbarIcons.h"
+#include "FilesDrawer.h"
 #include "UiText.h"
 
 #include <QApplication>
@@ -19,9 +22,11 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QStyle>
+#include <QUndoStack>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
+#include <QWidgetAction>
 
 namespace {
 
@@ -38,14 +43,6 @@ QWidget *labelledItem(QWidget *control, const QString &identifier, QWidget *pare
     layout->addWidget(label);
     box->setToolTip(uiText(identifier + QLatin1String("Tooltip")));
     return box;
-}
-
-QWidget *spacer(QWidget *parent, bool flexible)
-{
-    auto *space = new QWidget(parent);
-    if (flexible) space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    else space->setFixedWidth(16);
-    return space;
 }
 
 // A setting switched on and off from a menu, following the setting when it changes elsewhere.
@@ -67,41 +64,43 @@ void DocumentWindow::makeMyToolBarItems()
 {
     const struct {
         const char *identifier;
-        QIcon icon;
         void (DocumentWindow::*command)();
     } items[] = {
-        {"AddFile", toolbarIcon(QStringLiteral("AddFile")), &DocumentWindow::addNewFile},
-        {"Export", toolbarIcon(QStringLiteral("Export")), &DocumentWindow::exportSelectedFiles},
-        {"ExportAll", toolbarIcon(QStringLiteral("ExportAll")), &DocumentWindow::exportAllFiles},
-        {"Delete", QIcon::fromTheme(QStringLiteral("edit-delete"), style()->standardIcon(QStyle::SP_TrashIcon)),
-         &DocumentWindow::deleteCurrentFile},
+        {"Files", nullptr},
+        {"AddFile", &DocumentWindow::addNewFile},
+        {"Export", &DocumentWindow::exportSelectedFiles},
+        {"ExportAll", &DocumentWindow::exportAllFiles},
+        {"Delete", &DocumentWindow::deleteCurrentFile},
     };
     for (const auto &item : items) {
         const QString id = QString::fromLatin1(item.identifier);
-        auto *action = new QAction(item.icon, uiText(id), this);
+        auto *action = new QAction(toolbarIcon(id), uiText(id), this);
         action->setObjectName(id);
         action->setToolTip(uiText(id + QLatin1String("Tooltip")));
-        connect(action, &QAction::triggered, this, item.command);
+        if (item.command) connect(action, &QAction::triggered, this, item.command);
         m_toolbarItems.insert(id, action);
     }
+    QAction *files = m_toolbarItems.value(QStringLiteral("Files"));
+    files->setCheckable(true);
+    files->setChecked(m_drawer->isOpen());
+    connect(files, &QAction::triggered, this, [this, files] {
+        m_drawer->toggle();
+        files->setChecked(m_drawer->isOpen());
+    });
 
-    m_toolbar = addToolBar(tr("Toolbar"));
-    m_toolbar->setObjectName(QStringLiteral("MyToolbar"));
-    m_toolbar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
-    m_toolbar->setIconSize(QSize(28, 28));
     m_languageFromPp = new LanguageComboBox(this);
     m_languageFromPp->setObjectName(QStringLiteral("languageFromPp"));
     m_languageToPp = new LanguageComboBox(this);
     m_languageToPp->setObjectName(QStringLiteral("languageToPp"));
-    QAction *from = m_toolbar->addWidget(labelledItem(m_languageFromPp, QStringLiteral("LanguageFrom"), this));
-    QAction *to = m_toolbar->addWidget(labelledItem(m_languageToPp, QStringLiteral("LanguageTo"), this));
-    m_toolbarItems.insert(QStringLiteral("LanguageFrom"), from);
-    m_toolbarItems.insert(QStringLiteral("LanguageTo"), to);
-    m_toolbar->addWidget(spacer(this, false));
-    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("AddFile")));
-    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("Export")));
-    m_toolbar->addAction(m_toolbarItems.value(QStringLiteral("ExportAll")));
-    m_toolbar->addWidget(spacer(this, true));
+    for (auto [id, popup] : {std::pair{QStringLiteral("LanguageFrom"), m_languageFromPp},
+                             std::pair{QStringLiteral("LanguageTo"), m_languageToPp}}) {
+        auto *item = new QWidgetAction(this);
+        item->setObjectName(id);
+        item->setText(uiText(id));
+        item->setToolTip(uiText(id + QLatin1String("Tooltip")));
+        item->setDefaultWidget(labelledItem(popup, id, this));
+        m_toolbarItems.insert(id, item);
+    }
 
     m_searchField = new QLineEdit(this);
     m_searchField->setObjectName(QStringLiteral("searchField"));
@@ -109,7 +108,8 @@ void DocumentWindow::makeMyToolBarItems()
     m_searchField->setClearButtonEnabled(true);
     m_searchField->setMinimumWidth(180);
     m_searchField->setMaximumWidth(260);
-    m_toolbar->addWidget(labelledItem(m_searchField, tr("Search"), this));
+    m_toolbarController = new ToolbarController(this, m_toolbarItems, labelledItem(m_searchField, tr("Search"), this));
+    m_toolbar = m_toolbarController->toolbar();
 }
 
 void DocumentWindow::makeMenus()
@@ -134,12 +134,24 @@ void DocumentWindow::makeMenus()
     file->addAction(m_toolbarItems.value(QStringLiteral("AddFile")));
     file->addAction(m_toolbarItems.value(QStringLiteral("Export")));
     file->addAction(m_toolbarItems.value(QStringLiteral("ExportAll")));
+    add(file, QStringLiteral("ReadNibAndStrings"), tr("Add Interface File with &Translations\u2026"), QKeySequence(),
+        &DocumentWindow::readNibAndStringsFile);
     file->addSeparator();
     add(file, QStringLiteral("Preferences"), tr("&Preferences\u2026"), QKeySequence::Preferences,
         &DocumentWindow::preferencesRequested);
     add(file, QStringLiteral("Quit"), tr("&Quit"), QKeySequence::Quit, &DocumentWindow::quitRequested);
 
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    // The entry editor keeps its own text undo while it has the focus.
+    QAction *undo = m_undo->makeUndoAction(this);
+    undo->setShortcut(QKeySequence::Undo);
+    QAction *redo = m_undo->makeRedoAction(this);
+    redo->setShortcut(QKeySequence::Redo);
+    edit->addAction(undo);
+    edit->addAction(redo);
+    m_menuActions.insert(QStringLiteral("Undo"), undo);
+    m_menuActions.insert(QStringLiteral("Redo"), redo);
+    edit->addSeparator();
     add(edit, QStringLiteral("CheckLocalized"), tr("Check and &Next"), QKeySequence(Qt::CTRL | Qt::Key_Return),
         &DocumentWindow::checkLocalized);
     add(edit, QStringLiteral("NextEntry"), tr("Ne&xt Entry"), QKeySequence(Qt::CTRL | Qt::Key_Down), &DocumentWindow::selectNext);
@@ -155,6 +167,10 @@ void DocumentWindow::makeMenus()
     edit->addAction(m_toolbarItems.value(QStringLiteral("Delete")));
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
+    view->addAction(m_toolbarItems.value(QStringLiteral("Files")));
+    add(view, QStringLiteral("CustomizeToolbar"), tr("Customize &Toolbar\u2026"), QKeySequence(),
+        [this] { m_toolbarController->runCustomizePalette(); });
+    view->addSeparator();
     view->addAction(settingAction(tr("Hide &Empty Entries"), SettingsKey::IgnoreEmptyWords, this));
     view->addAction(settingAction(tr("Hide &Checked Entries"), SettingsKey::IgnoreLocalizedWords, this));
     QAction *problems = view->addAction(tr("Show Only Entries with &Problems"));
@@ -226,6 +242,10 @@ namespace {
 QString exportedText(const ExportResult &result)
 {
     const QString folder = QDir::toNativeSeparators(result.folder);
+    if (result.stopped)
+        return QObject::tr("Export stopped: %1 files written to %2; the dictionary learnt nothing.")
+            .arg(result.written.size())
+            .arg(folder);
     if (result.written.size() == 1) return QObject::tr("1 file exported to %1.").arg(folder);
     return QObject::tr("%1 files exported to %2.").arg(result.written.size()).arg(folder);
 }
@@ -307,6 +327,18 @@ void DocumentWindow::checkLocalized()
     m_entryEditor->commit();
     QList<LocEntryPtr> entries = selectedEntries();
     if (entries.isEmpty() && currentEntry()) entries.append(currentEntry());
+    m_undo->beginEntryChange(entries, tr("Check and Next"));
     m_document->checkLocalized(entries);
+    m_undo->endEntryChange();
+    const bool atEnd = m_entryTable->currentIndex().row() + 1 >= m_entryModel->rowCount();
+    if (atEnd && selectNextUncheckedFile()) return;
     selectNext();
+}
+
+// An interface file whose texts come from two string tables the user picks (translations and
+// originals), for a nib no tool can read.
+void DocumentWindow::readNibAndStringsFile()
+{
+    m_entryEditor->commit();
+    if (m_document->readNibAndStringsFile()) statusBar()->showMessage(tr("1 file added."), 5000);
 }

@@ -84,7 +84,9 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
     connect(m_checkBox, &QCheckBox::clicked, this, [this](bool on) {
         if (!m_entry) return;
         commit();
+        emit entryAboutToChange(m_entry, tr("Check Mark"));
         m_document->switchButton(m_entry, on);
+        emit entryChangeEnded();
     });
     connect(m_finishButton, &QPushButton::clicked, this, &EntryEditor::checkAndNextRequested);
     connect(m_entryField, &QWidget::customContextMenuRequested, this, &EntryEditor::showContextMenu);
@@ -125,7 +127,9 @@ bool EntryEditor::commit()
 {
     if (!m_dirty || !m_entry) return false;
     m_dirty = false;
+    emit entryAboutToChange(m_entry, tr("Typing"));
     m_entry->setLocalizedWord(m_entryField->toPlainText());
+    emit entryChangeEnded();
     emit committed(m_entry.get());
     return true;
 }

@@ -54,6 +54,9 @@ public:
 
 signals:
     void committed(const LocEntry *entry);
+    // Around every change this editor makes to an entry (its word, its mark), for undo.
+    void entryAboutToChange(const LocEntryPtr &entry, const QString &actionName);
+    void entryChangeEnded();
     void checkAndNextRequested();
     void statusMessage(const QString &text);
     void continuousSpellCheckingChanged(bool enabled);

@@ -114,14 +114,18 @@ bool EntryTableModel::setData(const QModelIndex &index, const QVariant &value, i
     const LocEntryPtr entry = entryAt(index.row());
     if (!entry || !m_document) return false;
     if (index.column() == CheckColumn && role == Qt::CheckStateRole) {
+        emit entryAboutToChange(entry, tr("Check Mark"));
         m_document->switchButton(entry, value.value<Qt::CheckState>() == Qt::Checked);
+        emit entryChangeEnded();
         entryChanged(entry.get());
         return true;
     }
     if (index.column() == LocalizedWordColumn && role == Qt::EditRole) {
         const QString word = value.toString();
         if (word == wordOrEmpty(entry->localizedWord())) return true;
+        emit entryAboutToChange(entry, tr("Typing"));
         entry->setLocalizedWord(word);
+        emit entryChangeEnded();
         m_document->update();
         // The check mark is announced before the text is rewritten: repaint with the new word.
         entryChanged(entry.get());

@@ -43,6 +43,9 @@ public slots:
     void entryChanged(const LocEntry *entry);
 
 signals:
+    // Around a change made in the table (a word, a mark), for undo.
+    void entryAboutToChange(const LocEntryPtr &entry, const QString &actionName);
+    void entryChangeEnded();
     // The shown list is about to be rebuilt / was rebuilt: the window keeps its selection.
     void entriesAboutToReset();
     void entriesReset();

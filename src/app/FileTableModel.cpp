@@ -1,5 +1,6 @@
 #include "FileTableModel.h"
 
+#include "FileIcons.h"
 #include "ListUtility.h"
 #include "MyDocument.h"
 #include "ProblemList.h"
@@ -93,6 +94,9 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
             lines.append(countedText(problems.warnings, tr("1 entry with warnings"), tr("%1 entries with warnings")));
         return lines.join(u'\n');
     }
+    case Qt::DecorationRole:
+        if (index.column() == NameColumn) return fileIcon(file->path());
+        return {};
     case Qt::TextAlignmentRole:
         if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};

@@ -7,6 +7,9 @@ LanguageComboBox::LanguageComboBox(QWidget *parent) : QComboBox(parent)
     setMaximumWidth(230);
     setMinimumContentsLength(14);
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    // Focus comes to a popup only when it is clicked: a letter typed for the entry editor while
+    // the focus had wandered here would switch the document's language without a word.
+    setFocusPolicy(Qt::ClickFocus);
     connect(this, &QComboBox::activated, this, [this](int index) {
         const QVariant tag = itemData(index);
         if (tag.isValid()) emit tagChosen(tag.toInt());

@@ -8,6 +8,9 @@
 #include <QCloseEvent>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace {
@@ -39,6 +42,19 @@ PrefWinController::PrefWinController(QWidget *parent) : QWidget(parent, Qt::Wind
     layout->addWidget(languages);
     layout->addWidget(filters);
     layout->addStretch();
+    // A window of settings applied at once: Close (or Esc) is all it needs.
+    auto *closeButton = new QPushButton(tr("Close"), this);
+    closeButton->setObjectName(QStringLiteral("closeButton"));
+    connect(closeButton, &QPushButton::clicked, this, &QWidget::close);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(closeButton);
+    layout->addLayout(buttons);
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, &QWidget::close);
+    // Here the popups are the window's main controls: reachable with Tab.
+    m_languageFromPp->setFocusPolicy(Qt::StrongFocus);
+    m_languageToPp->setFocusPolicy(Qt::StrongFocus);
 
     Settings &settings = Settings::instance();
     connect(m_languageFromPp, &LanguageComboBox::tagChosen, this,

@@ -43,6 +43,61 @@ void drawBadge(QPainter &p, const QRectF &r, const QColor &color, bool plus)
     }
 }
 
+// A window with its drawer pulled out on the left (Files).
+void drawDrawer(QPainter &p, const QRectF &r)
+{
+    const QRectF window(r.left() + r.width() * 0.3, r.top() + r.height() * 0.15, r.width() * 0.66, r.height() * 0.7);
+    const QRectF drawer(r.left() + r.width() * 0.04, r.top() + r.height() * 0.25, r.width() * 0.3, r.height() * 0.5);
+    p.setPen(QPen(QColor(90, 100, 115), r.width() * 0.05));
+    p.setBrush(QColor(200, 215, 235));
+    p.drawRect(drawer);
+    p.setBrush(QColor(250, 250, 252));
+    p.drawRect(window);
+    p.setBrush(QColor(90, 100, 115));
+    p.drawRect(QRectF(window.left(), window.top(), window.width(), window.height() * 0.14));
+    for (int i = 1; i <= 3; ++i) {
+        const qreal y = drawer.top() + drawer.height() * 0.25 * i;
+        p.drawLine(QPointF(drawer.left() + drawer.width() * 0.2, y), QPointF(drawer.right() - drawer.width() * 0.2, y));
+    }
+}
+
+// A waste basket (Delete).
+void drawBasket(QPainter &p, const QRectF &r)
+{
+    p.setPen(QPen(QColor(90, 100, 115), r.width() * 0.06, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setBrush(QColor(235, 238, 242));
+    QPainterPath body;
+    body.moveTo(r.left() + r.width() * 0.22, r.top() + r.height() * 0.28);
+    body.lineTo(r.right() - r.width() * 0.22, r.top() + r.height() * 0.28);
+    body.lineTo(r.right() - r.width() * 0.28, r.bottom() - r.height() * 0.04);
+    body.lineTo(r.left() + r.width() * 0.28, r.bottom() - r.height() * 0.04);
+    body.closeSubpath();
+    p.drawPath(body);
+    p.drawLine(QPointF(r.left() + r.width() * 0.14, r.top() + r.height() * 0.2),
+               QPointF(r.right() - r.width() * 0.14, r.top() + r.height() * 0.2));
+    p.drawLine(QPointF(r.center().x() - r.width() * 0.1, r.top() + r.height() * 0.1),
+               QPointF(r.center().x() + r.width() * 0.1, r.top() + r.height() * 0.1));
+    for (qreal x : {0.4, 0.5, 0.6})
+        p.drawLine(QPointF(r.left() + r.width() * x, r.top() + r.height() * 0.4),
+                   QPointF(r.left() + r.width() * x, r.bottom() - r.height() * 0.16));
+}
+
+// A toolbar strip with a pencil over it (Customize).
+void drawCustomize(QPainter &p, const QRectF &r)
+{
+    p.setPen(QPen(QColor(90, 100, 115), r.width() * 0.05));
+    p.setBrush(QColor(250, 250, 252));
+    p.drawRoundedRect(QRectF(r.left() + r.width() * 0.04, r.top() + r.height() * 0.3, r.width() * 0.92, r.height() * 0.4),
+                      r.width() * 0.06, r.width() * 0.06);
+    p.setBrush(QColor(200, 215, 235));
+    for (int i = 0; i < 3; ++i)
+        p.drawRect(QRectF(r.left() + r.width() * (0.12 + 0.27 * i), r.top() + r.height() * 0.38, r.width() * 0.18,
+                          r.height() * 0.24));
+    p.setPen(QPen(QColor(214, 140, 30), r.width() * 0.12, Qt::SolidLine, Qt::RoundCap));
+    p.drawLine(QPointF(r.left() + r.width() * 0.55, r.bottom() - r.height() * 0.08),
+               QPointF(r.right() - r.width() * 0.06, r.top() + r.height() * 0.1));
+}
+
 class DrawnIcon : public QIconEngine {
 public:
     explicit DrawnIcon(QString id) : m_id(std::move(id)) {}
@@ -55,6 +110,13 @@ public:
         const QRectF r = QRectF(rect).adjusted(1, 1, -1, -1);
         const qreal s = r.width();
         const QRectF badge(r.left() + s * 0.5, r.top() + s * 0.5, s * 0.48, s * 0.48);
+        if (m_id == QLatin1String("Files") || m_id == QLatin1String("Delete") || m_id == QLatin1String("Customize")) {
+            if (m_id == QLatin1String("Files")) drawDrawer(*p, r);
+            else if (m_id == QLatin1String("Delete")) drawBasket(*p, r);
+            else drawCustomize(*p, r);
+            p->restore();
+            return;
+        }
         if (m_id == QLatin1String("ExportAll")) {
             drawPage(*p, QRectF(r.left() + s * 0.22, r.top(), s * 0.56, s * 0.72));
             drawPage(*p, QRectF(r.left() + s * 0.08, r.top() + s * 0.12, s * 0.56, s * 0.72));

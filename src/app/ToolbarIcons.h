@@ -1,6 +1,7 @@
 #pragma once
 // The document toolbar's images, drawn at any size so that they stay sharp: a page with a plus
-// (AddFile), a page with an arrow (Export) and a stack of pages with an arrow (ExportAll).
+// (AddFile), a page with an arrow (Export), a stack of pages with an arrow (ExportAll), a window
+// with its drawer out (Files), a waste basket (Delete) and a toolbar with a pencil (Customize).
 
 #include <QIcon>
 

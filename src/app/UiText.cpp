@@ -16,6 +16,8 @@ const QHash<QString, QString> &englishLabels()
         {QStringLiteral("ExportTooltip"), QStringLiteral("Export the selected files")},
         {QStringLiteral("ExportAll"), QStringLiteral("Export All")},
         {QStringLiteral("ExportAllTooltip"), QStringLiteral("Export every file of the document")},
+        {QStringLiteral("Files"), QStringLiteral("Files")},
+        {QStringLiteral("FilesTooltip"), QStringLiteral("Show or hide the list of files")},
         {QStringLiteral("Delete"), QStringLiteral("Delete")},
         {QStringLiteral("DeleteTooltip"), QStringLiteral("Remove the selected files from the document")},
         {QStringLiteral("LanguageFrom"), QStringLiteral("From")},
@@ -23,6 +25,7 @@ const QHash<QString, QString> &englishLabels()
         {QStringLiteral("LanguageTo"), QStringLiteral("To")},
         {QStringLiteral("LanguageToTooltip"), QStringLiteral("Target language")},
         {QStringLiteral("OpenPanel"), QStringLiteral("Add Files")},
+        {QStringLiteral("SearchTooltip"), QStringLiteral("Show only the entries that contain this text, in every file")},
     };
     return labels;
 }

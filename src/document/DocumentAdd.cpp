@@ -104,10 +104,13 @@ QList<LocFilePtr> MyDocument::addFiles(const QList<QPair<QString, OptString>> &p
 QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<OptString>>> &paths)
 {
     setLoadingFiles(true);
+    m_stopRequested = false;
+    const QList<LocFilePtr> before = m_files;
     QList<LocFilePtr> added;
     const QStringList bundles = VXControllerModel::instance().bundleFileTypes();
     int done = 0;
     for (const auto &[raw, given] : paths) {
+        if (m_stopRequested) break;
         const QString path = QDir::cleanPath(raw);
         // Asked for every path, bundle or not, before anything of it is read.
         const OptString previous = given ? *given : selectPreviousVersionFile(path);
@@ -116,17 +119,27 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
             prepareReading(list);
             for (qsizetype i = 0; i < list.size(); ++i) {
                 const BundleFile &item = list.at(i);
+                emit workingOn(item.path);
                 if (LocFilePtr f = addFile(item.path, orNone(item.previous))) {
                     if (!item.previousBase.isEmpty()) markChangedBaseWords(*f, item.previousBase);
                     added.append(f);
                 }
                 emit progress(int(i + 1), int(list.size()));
+                if (m_stopRequested) break;
             }
-        } else if (LocFilePtr f = addFile(path, previous)) {
-            added.append(f);
+        } else {
+            emit workingOn(path);
+            if (LocFilePtr f = addFile(path, previous)) added.append(f);
         }
         ++done;
         if (!isBundlePath(path, bundles)) emit progress(done, int(paths.size()));
+    }
+    if (m_stopRequested) {
+        m_stopRequested = false;
+        m_files = before;
+        setFiles(m_files);
+        setLoadingFiles(false);
+        return {};
     }
     update();
     setFiles(m_files);

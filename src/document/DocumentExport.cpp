@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <utility>
 
 namespace {
 
@@ -166,15 +167,20 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, con
     result.folder = folder;
     setLoadingFiles(true);
     waitUntilFilesRead();
+    m_stopRequested = false;
     int done = 0;
     for (const LocFilePtr &file : files) {
+        if (m_stopRequested) break;
+        emit workingOn(file->path());
         // A later file's word replaces an earlier one's for the same base word.
         result.pairs.insertAll(file->makeLocalizedFileAt(folder));
         const QString output = localizedOutputPath(*file, folder);
         (QFileInfo::exists(output) ? result.written : result.failed).append(output);
         emit progress(++done, int(files.size()));
     }
-    result.merge = saveDictionary(result.pairs);
+    result.stopped = std::exchange(m_stopRequested, false);
+    if (result.stopped) result.pairs = StringMap();
+    else result.merge = saveDictionary(result.pairs);
     dialogs().revealInFileManager(folder);
     setLoadingFiles(false);
     saveSpellCheck();

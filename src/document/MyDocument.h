@@ -19,6 +19,7 @@ class Dialogs;
 // What one export did, for the window's messages and the command line's report.
 struct ExportResult {
     bool cancelled = false;   // the user cancelled the folder choice: nothing was written
+    bool stopped = false;     // stopped on request after `written`; the dictionary learnt nothing
     QString folder;           // where the localized files went
     QStringList written;      // output paths found after writing, in export order
     QStringList failed;       // output paths that are missing after writing
@@ -60,6 +61,10 @@ public:
     void setFiles(const QList<LocFilePtr> &files);
     // On while files are added or exported: the window's busy indicator.
     bool loadingFiles() const { return m_loadingFiles; }
+    // Asked while files are added or exported (from a progress panel's Cancel): the work stops
+    // after the file at hand. Adding then leaves the document as it was before; export keeps
+    // the files already written. Cleared when the next such work starts.
+    void stopLoadingFiles() { m_stopRequested = m_loadingFiles; }
     void setLoadingFiles(bool on);
 
     // ---- Languages (DocumentLanguages.cpp)
@@ -217,6 +222,8 @@ signals:
     void progress(int done, int total);
     // The last file still being read has finished.
     void filesRead();
+    // The file that adding or export takes up next.
+    void workingOn(const QString &path);
 
 private:
     // Builds the export destination for a chosen path: the path itself, or inside a bundle the
@@ -233,6 +240,7 @@ private:
     int m_locLangTo = 2;
     QList<LocFilePtr> m_files;
     bool m_loadingFiles = false;
+    bool m_stopRequested = false;
     int m_changeCount = 0;
     QString m_filePath;
     OptString m_searchText;
