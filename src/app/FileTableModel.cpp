@@ -80,7 +80,9 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     case Qt::DecorationRole:
         if (index.column() == NameColumn) {
             const Qa::Severity worst = summary(*file).worst();
+            // A file with problems shows them instead of its kind: the more urgent news.
             if (worst != Qa::Severity::None) return problemIcon(worst);
+            return fileIcon(file->path());
         }
         return {};
     case Qt::ToolTipRole: {
@@ -94,9 +96,6 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
             lines.append(countedText(problems.warnings, tr("1 entry with warnings"), tr("%1 entries with warnings")));
         return lines.join(u'\n');
     }
-    case Qt::DecorationRole:
-        if (index.column() == NameColumn) return fileIcon(file->path());
-        return {};
     case Qt::TextAlignmentRole:
         if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};
