@@ -2,6 +2,7 @@
 
 #include "Archive.h"
 #include "NotificationCenter.h"
+#include "TextSearch.h"
 
 using namespace StringUtility;
 
@@ -47,7 +48,8 @@ void LocEntry::applyInitialCheck()
 
 bool LocEntry::isLeopardNibEntry() const
 {
-    return m_entry.contains(kObjectIdMark);
+    // Asked for on every read of a field: the exact search, not QString's general one.
+    return TextSearch::find(reinterpret_cast<const char16_t *>(m_entry.constData()), m_entry.size(), u"; ObjectID = \"", 0) >= 0;
 }
 
 OptString LocEntry::objectID() const

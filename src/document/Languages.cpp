@@ -3,6 +3,9 @@
 #include "PropertyList.h"
 #include "Resources.h"
 
+#include <QDateTime>
+#include <QFileInfo>
+
 namespace {
 
 QString g_tablePath;  // empty: the built-in resource
@@ -31,9 +34,17 @@ QString tablePath()
 
 LanguageTable languageDictionary()
 {
+    // Asked for once per file of a bundle being added: read once, again only when the table's
+    // path or its file changed.
+    static QString cachedPath;
+    static QDateTime cachedTime;
+    static LanguageTable cached;
+    const QString path = Languages::tablePath();
+    const QDateTime time = QFileInfo(path).lastModified();
+    if (!cached.isEmpty() && path == cachedPath && time == cachedTime) return cached;
     initVocabrixResources();
     LanguageTable table;
-    const plist::ReadResult read = plist::readFile(Languages::tablePath());
+    const plist::ReadResult read = plist::readFile(path);
     if (!read.value || !read.value->isDictionary()) return table;
     for (const auto &[rowKey, row] : read.value->dictionary()) {
         if (!row.isDictionary()) continue;
@@ -42,6 +53,9 @@ LanguageTable languageDictionary()
         if (!name || !name->isString() || !key || !key->isString()) continue;
         table.insert(rowKey, {name->string(), key->string(), stringField(row, "abbreviation")});
     }
+    cachedPath = path;
+    cachedTime = time;
+    cached = table;
     return table;
 }
 
