@@ -54,14 +54,14 @@ const QString &argumentType(QChar conversion, Length length)
 
 // A placeholder as found: views into the text, its kind one of kinds(). Checking a document
 // parses every text holding a "%": nothing here allocates while a text has few placeholders.
-struct Spec {
+struct Placeholder {
     QStringView text;
     int position;
     const QString *type;
     QStringView name;
     bool plain;
 };
-using Specs = QVarLengthArray<Spec, 8>;
+using Placeholders = QVarLengthArray<Placeholder, 8>;
 
 // A named form at t[at] == '%': "%#@name@" or "%{name}@"; its length, or 0.
 qsizetype namedAt(QStringView t, qsizetype at, QStringView *name)
@@ -101,7 +101,7 @@ int digitsAt(QStringView t, qsizetype *i)
 }
 
 // A "*" width or precision: an integer argument of its own ("*" or "*3$").
-void starAt(QStringView t, qsizetype *i, Specs &stars)
+void starAt(QStringView t, qsizetype *i, Placeholders &stars)
 {
     const qsizetype start = *i;
     ++*i;
@@ -114,7 +114,7 @@ void starAt(QStringView t, qsizetype *i, Specs &stars)
 
 // One placeholder at t[at] == '%' appended to `out`; its length, or 0 when the percent sign
 // begins none.
-qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, Specs &out)
+qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, Placeholders &out)
 {
     QStringView name;
     if (const qsizetype named = namedAt(t, at, &name)) {
@@ -135,7 +135,7 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, Specs &out)
         ++i;
         plain = false;
     }
-    Specs stars;
+    Placeholders stars;
     if (i < n && t[i] == u'*') {
         starAt(t, &i, stars);
         plain = false;
@@ -171,9 +171,9 @@ qsizetype specifierAt(QStringView t, qsizetype at, FormatMode mode, Specs &out)
     return i - at;
 }
 
-Specs collect(QStringView text, FormatMode mode)
+Placeholders collect(QStringView text, FormatMode mode)
 {
-    Specs specs;
+    Placeholders specs;
     qsizetype i = text.indexOf(u'%');
     while (i >= 0 && i < text.size()) {
         if (i + 1 < text.size() && text[i + 1] == u'%') {
@@ -187,10 +187,10 @@ Specs collect(QStringView text, FormatMode mode)
     return specs;
 }
 
-QString listed(const Specs &specs)
+QString listed(const Placeholders &specs)
 {
     QStringList texts;
-    for (const Spec &s : specs) texts.append(s.text.toString());
+    for (const Placeholder &s : specs) texts.append(s.text.toString());
     return texts.join(QLatin1String(", "));
 }
 
@@ -199,18 +199,18 @@ QString counted(qsizetype n)
     return n == 1 ? QStringLiteral("1 placeholder") : QStringLiteral("%1 placeholders").arg(n);
 }
 
-QString described(const Spec &s)
+QString described(const Placeholder &s)
 {
     return QStringLiteral("%1 (%2)").arg(s.text.toString(), *s.type);
 }
 
 // Arguments by position: plain ones count from 1 in order. A position used twice with two
 // kinds gives its first; `conflict` names the second.
-QMap<int, Spec> byPosition(const Specs &args, QString *conflict)
+QMap<int, Placeholder> byPosition(const Placeholders &args, QString *conflict)
 {
-    QMap<int, Spec> map;
+    QMap<int, Placeholder> map;
     int next = 1;
-    for (const Spec &s : args) {
+    for (const Placeholder &s : args) {
         const int position = s.position > 0 ? s.position : next++;
         const auto found = map.constFind(position);
         if (found == map.cend()) map.insert(position, s);
@@ -221,15 +221,15 @@ QMap<int, Spec> byPosition(const Specs &args, QString *conflict)
     return map;
 }
 
-QString compareNamed(const Specs &base, const Specs &translation)
+QString compareNamed(const Placeholders &base, const Placeholders &translation)
 {
-    auto anyNamed = [](const Specs &specs) {
-        return std::any_of(specs.begin(), specs.end(), [](const Spec &s) { return !s.name.isEmpty(); });
+    auto anyNamed = [](const Placeholders &specs) {
+        return std::any_of(specs.begin(), specs.end(), [](const Placeholder &s) { return !s.name.isEmpty(); });
     };
     if (!anyNamed(base) && !anyNamed(translation)) return {};
-    auto names = [](const Specs &specs) {
+    auto names = [](const Placeholders &specs) {
         QMap<QStringView, QStringView> map;  // name -> text as written
-        for (const Spec &s : specs)
+        for (const Placeholder &s : specs)
             if (!s.name.isEmpty()) map.insert(s.name, s.text);
         return map;
     };
@@ -245,18 +245,18 @@ QString compareNamed(const Specs &base, const Specs &translation)
     return {};
 }
 
-QString compareArguments(const Specs &base, const Specs &translation)
+QString compareArguments(const Placeholders &base, const Placeholders &translation)
 {
     bool numbered = false, unnumbered = false;
-    for (const Spec &s : translation) (s.position > 0 ? numbered : unnumbered) = true;
+    for (const Placeholder &s : translation) (s.position > 0 ? numbered : unnumbered) = true;
     if (numbered && unnumbered) {
-        Specs withNumber, without;
-        for (const Spec &s : translation) (s.position > 0 ? withNumber : without).append(s);
+        Placeholders withNumber, without;
+        for (const Placeholder &s : translation) (s.position > 0 ? withNumber : without).append(s);
         return QStringLiteral("The translation mixes numbered placeholders (%1) with unnumbered ones (%2): "
                               "number all of them or none.").arg(listed(withNumber), listed(without));
     }
     bool basePositions = false;
-    for (const Spec &s : base) basePositions |= s.position > 0;
+    for (const Placeholder &s : base) basePositions |= s.position > 0;
     if (!numbered && !basePositions) {
         if (base.size() != translation.size())
             return QStringLiteral("The base has %1 (%2) and the translation %3%4: every placeholder of the base must "
@@ -296,7 +296,7 @@ QString compareArguments(const Specs &base, const Specs &translation)
 QList<Specifier> formatSpecifiers(QStringView text, FormatMode mode)
 {
     QList<Specifier> list;
-    for (const Spec &s : collect(text, mode)) list.append({s.text.toString(), s.position, *s.type, s.name.toString(), s.plain});
+    for (const Placeholder &s : collect(text, mode)) list.append({s.text.toString(), s.position, *s.type, s.name.toString(), s.plain});
     return list;
 }
 
@@ -307,20 +307,20 @@ QString compareFormatSpecifiers(QStringView base, QStringView translation)
     if (!baseHasPercent && !translationHasPercent) return {};
     if (!baseHasPercent || collect(base, FormatMode::Text).isEmpty()) {
         // No format: only what is unmistakably a placeholder counts (rule 2).
-        Specs found;
-        for (const Spec &s : collect(translation, FormatMode::Text))
+        Placeholders found;
+        for (const Placeholder &s : collect(translation, FormatMode::Text))
             if (s.plain) found.append(s);
         if (found.isEmpty()) return {};
         return QStringLiteral("The translation has %1 (%2), but the base has none: the application has no value to put "
                               "there.")
             .arg(counted(found.size()), listed(found));
     }
-    const Specs b = collect(base, FormatMode::Format);
-    const Specs t = collect(translation, FormatMode::Format);
-    Specs bArgs, tArgs;
-    for (const Spec &s : b)
+    const Placeholders b = collect(base, FormatMode::Format);
+    const Placeholders t = collect(translation, FormatMode::Format);
+    Placeholders bArgs, tArgs;
+    for (const Placeholder &s : b)
         if (s.name.isEmpty()) bArgs.append(s);
-    for (const Spec &s : t)
+    for (const Placeholder &s : t)
         if (s.name.isEmpty()) tArgs.append(s);
     const QString named = compareNamed(b, t);
     return named.isEmpty() ? compareArguments(bArgs, tArgs) : named;
