@@ -47,6 +47,19 @@ void forEachUid(const Value &v, F &&f, int depth = 0)
         for (const Value &e : v.array()) forEachUid(e, f, depth + 1);
 }
 
+void nullDanglingReferences(Value &v, int limit, int depth = 0)
+{
+    if (depth > plist::MaxDepth) return;
+    if (const auto uid = uidOf(v)) {
+        if (*uid >= limit) v = uidValue(0);
+        return;
+    }
+    if (v.isDictionary())
+        for (auto &entry : v.dictionary()) nullDanglingReferences(entry.second, limit, depth + 1);
+    else if (v.isArray())
+        for (Value &e : v.array()) nullDanglingReferences(e, limit, depth + 1);
+}
+
 }  // namespace
 
 std::optional<KeyedArchiveGraph> KeyedArchiveGraph::fromValue(const plist::Value &root, QString *error)
@@ -214,7 +227,9 @@ void KeyedArchiveGraph::countReferences() const
 {
     if (!m_referenceCounts.isEmpty()) return;
     m_referenceCounts.fill(0, objectCount());
+    m_highestReference = 0;
     const auto count = [this](int uid) {
+        m_highestReference = std::max(m_highestReference, uid);
         if (uid < m_referenceCounts.size()) ++m_referenceCounts[uid];
     };
     for (const Value &o : objects()) forEachUid(o, count);
@@ -246,7 +261,13 @@ bool KeyedArchiveGraph::setText(const Slot &slot, const QString &newText)
         objects()[*old] = replacement;
         return true;
     }
-    // Shared: the new string goes to the end of the table and only this slot points to it.
+    // Shared: the new string goes to the end of the table and only this slot points to it. A
+    // damaged archive may refer past its table, to nothing; those references would come to
+    // name the new string, so they are made to name nothing the usual way first.
+    if (m_highestReference >= objectCount()) {
+        nullDanglingReferences(m_root, objectCount());
+        m_highestReference = 0;
+    }
     const int added = objectCount();
     forEachUid(replacement, [this](int uid) {
         if (uid < m_referenceCounts.size()) ++m_referenceCounts[uid];

@@ -44,6 +44,7 @@ private:
     plist::Value m_root;
     qsizetype m_objectsAt = 0;
     mutable QList<int> m_referenceCounts;
+    mutable int m_highestReference = 0;  // may lie past the table in a damaged archive
 };
 
 }  // namespace interface::nib
