@@ -1,4 +1,6 @@
-// Both kinds of entry text, the check-mark rules and their notifications, and the archive.
+// Both kinds of entry text (a table of cases: the words read, the first mark, a word set), the
+// check-mark rules and their notifications, and the archive.
+#include "CaseData.h"
 #include "LocEntry.h"
 #include "NotificationCenter.h"
 
@@ -6,94 +8,84 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using TestSupport::S;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
-const OptString kAbsent = std::nullopt;
 const QString kNibEntry = S("/* Class = \"NSButton\"; title = \"Cancel\"; ObjectID = \"12\"; */\n\"12.title\" = \"Cancel\";");
-const QString kStringsEntry = S("/* \"OpenKey\"=\"Open\" */\n\"Open\" = \"Open\";");
+
+OptString word(const QString &field)
+{
+    return field == QLatin1String("!absent") ? OptString() : OptString(field);
+}
 }  // namespace
 
 class TestLocEntry : public QObject {
     Q_OBJECT
 private slots:
-    void interfaceFileEntry()
+    void entries_data()
     {
-        auto e = LocEntry::initWithEntry(kNibEntry);
-        QVERIFY(e->isLeopardNibEntry());
-        QCOMPARE(e->objectID(), OptString(S("12")));
-        QCOMPARE(e->wordType(), OptString(S("title")));
-        QCOMPARE(e->baseWord(), OptString(S("Cancel")));
-        QCOMPARE(e->keyWord(), OptString(S("12.title")));
-        QCOMPARE(e->localizedWord(), OptString(S("Cancel")));
-        QVERIFY(!e->isChecked());
-
-        e->setLocalizedWord(S("Abbrechen"));
-        QCOMPARE(e->entry(), S("/* Class = \"NSButton\"; title = \"Cancel\"; ObjectID = \"12\"; */\n\"12.title\" = \"Abbrechen\";"));
-        QVERIFY(e->isChecked());
-        // The base word still comes from the comment, the key from the pair line.
-        QCOMPARE(e->baseWord(), OptString(S("Cancel")));
-        QCOMPARE(e->keyWord(), OptString(S("12.title")));
+        TestSupport::addTableRows(S("core"), S("entries.tsv"),
+                                  {S("text"), S("nib"), S("objectId"), S("key"), S("base"), S("localized"), S("checked"),
+                                   S("setTo"), S("after"), S("checkedAfter")});
+    }
+    void entries()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, nib);
+        QFETCH(QString, objectId);
+        QFETCH(QString, key);
+        QFETCH(QString, base);
+        QFETCH(QString, localized);
+        QFETCH(QString, checked);
+        QFETCH(QString, setTo);
+        QFETCH(QString, after);
+        QFETCH(QString, checkedAfter);
+        QSignalSpy spy(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified);
+        auto e = LocEntry::initWithEntry(text);
+        QVERIFY(spy.count() >= 1);  // every new entry announces its first mark
+        QCOMPARE(spy.last().first().value<LocEntry *>(), e.get());
+        QCOMPARE(e->isLeopardNibEntry(), nib == QLatin1String("yes"));
+        if (e->isLeopardNibEntry()) QCOMPARE(e->objectID(), word(objectId));
+        QCOMPARE(e->keyWord(), word(key));
+        QCOMPARE(e->baseWord(), word(base));
+        QCOMPARE(e->localizedWord(), word(localized));
+        QCOMPARE(e->isChecked(), checked == QLatin1String("yes"));
+        QVERIFY(e->check().has_value());
+        if (setTo.isEmpty()) return;
+        spy.clear();
+        e->setLocalizedWord(setTo);
+        QCOMPARE(e->entry(), after);
+        QCOMPARE(e->isChecked(), checkedAfter == QLatin1String("yes"));
+        QCOMPARE(spy.count(), e->isChecked() != (checked == QLatin1String("yes")) ? 1 : 0);
+        // The base word still comes from where it came from; the key too.
+        QCOMPARE(e->baseWord(), word(base));
+        QCOMPARE(e->keyWord(), word(key));
     }
 
-    void localizerNoteAfterTheObjectId()
+    void bodiesAndAbsentWords()
     {
-        auto e = LocEntry::initWithEntry(
-            S("/* Class = \"NSMenuItem\"; title = \"Open\"; ObjectID = \"a1-b2\"; Note = \"verb\"; */\n\"a1-b2.title\" = \"Open\";"));
-        QCOMPARE(e->objectID(), OptString(S("a1-b2")));
-        QCOMPARE(e->keyWord(), OptString(S("a1-b2.title")));
-        QCOMPARE(e->baseWord(), OptString(S("Open")));
+        auto e = LocEntry::initWithEntry(S("/* \"OpenKey\"=\"Open\" */\n\"Open\" = \"Open\";"));
+        e->setLocalizedWord(S("Öffnen"));
+        QCOMPARE(e->entryBodyAsString(), S("\"OpenKey\" = \"Öffnen\";"));
+        QCOMPARE(e->entryBody(), S("\"OpenKey\" = \"Öffnen\";"));
+        auto bare = LocEntry::initWithEntry(S("\"My App\" = \"Mein Programm\";"));
+        QCOMPARE(bare->entryBodyAsString(), S("\"My App\" = \"Mein Programm\";"));
+        // Setting nothing changes nothing and says nothing.
+        QSignalSpy spy(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified);
+        bare->setLocalizedWord(std::nullopt);
+        QCOMPARE(spy.count(), 0);
+        QCOMPARE(bare->entry(), S("\"My App\" = \"Mein Programm\";"));
     }
 
     void observersReadTheNewWord()
     {
-        auto e = LocEntry::initWithEntry(kStringsEntry);
+        auto e = LocEntry::initWithEntry(S("\"Open\" = \"Open\";"));
         OptString seen;
         auto connection = connect(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified, this,
                                   [&](LocEntry *entry) { seen = entry->localizedWord(); });
         e->setLocalizedWord(S("Öffnen"));
         disconnect(connection);
         QCOMPARE(seen, OptString(S("Öffnen")));
-    }
-
-    void interfaceFileEntryWithEmptyValues()
-    {
-        auto e = LocEntry::initWithEntry(S("/* Class = \"NSTextFieldCell\"; title = \"\"; ObjectID = \"7\"; */\n\"7.title\" = \"\";"));
-        QCOMPARE(e->baseWord(), kAbsent);
-        QCOMPARE(e->localizedWord(), kAbsent);
-        QVERIFY(e->isChecked());  // nothing to translate
-    }
-
-    void stringTableEntry()
-    {
-        auto e = LocEntry::initWithEntry(kStringsEntry);
-        QVERIFY(!e->isLeopardNibEntry());
-        QCOMPARE(e->keyWord(), OptString(S("OpenKey")));
-        QCOMPARE(e->baseWord(), OptString(S("Open")));
-        QCOMPARE(e->localizedWord(), OptString(S("Open")));
-        QCOMPARE(e->entryBodyAsString(), S("\"OpenKey\" = \"Open\";"));
-        e->setLocalizedWord(S("Öffnen"));
-        QCOMPARE(e->entryBodyAsString(), S("\"OpenKey\" = \"Öffnen\";"));
-        QCOMPARE(e->entryBody(), S("\"OpenKey\" = \"Öffnen\";"));
-        QCOMPARE(e->baseWord(), OptString(S("Open")));
-    }
-
-    void pairLineAlone()
-    {
-        auto e = LocEntry::initWithEntry(S("\"My App\" = \"Mein Programm\";"));
-        QCOMPARE(e->keyWord(), kAbsent);
-        QCOMPARE(e->baseWord(), OptString(S("My App")));
-        QCOMPARE(e->localizedWord(), OptString(S("Mein Programm")));
-        QCOMPARE(e->entryBodyAsString(), S("\"My App\" = \"Mein Programm\";"));
-        QCOMPARE(e->entryBody(), S("\"My App\" = \"Mein Programm\";"));
-    }
-
-    void emptyKeyHasEmptyBaseWord()
-    {
-        auto bare = LocEntry::initWithEntry(S("\"\" = \"\";"));
-        QCOMPARE(bare->baseWord(), OptString(S("")));
-        QVERIFY(bare->isChecked());
-        auto commented = LocEntry::initWithEntry(S("/* \"\"=\"\" */\n\"\" = \"x\";"));
-        QCOMPARE(commented->baseWord(), OptString(S("")));
     }
 
     void fromBaseAndLocalizedWords()
@@ -107,59 +99,6 @@ private slots:
         // Words go in unescaped, placeholders and all.
         auto raw = LocEntry::initWithBaseWord(S("%1 of %2"), S("%2 von %1"));
         QCOMPARE(raw->entry(), S("\"%1 of %2\" = \"%2 von %1\";"));
-    }
-
-    void initialCheckRules_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<bool>("checked");
-        QTest::newRow("single spaces") << S("\" \" = \" \";") << true;
-        QTest::newRow("empty value, base word a") << S("\"a\" = \"\";") << false;
-        QTest::newRow("untranslated") << S("\"a\" = \"a\";") << false;
-        QTest::newRow("translated text alone does not check") << S("\"a\" = \"b\";") << false;
-        QTest::newRow("space against empty") << S("\" \" = \"\";") << false;
-    }
-    void initialCheckRules()
-    {
-        QFETCH(QString, text);
-        QFETCH(bool, checked);
-        QSignalSpy spy(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified);
-        auto e = LocEntry::initWithEntry(text);
-        QCOMPARE(e->isChecked(), checked);
-        QVERIFY(e->check().has_value());
-        QVERIFY(spy.count() >= 1);  // every new entry announces its first mark
-        QCOMPARE(spy.last().first().value<LocEntry *>(), e.get());
-    }
-
-    void settingWords()
-    {
-        auto e = LocEntry::initWithEntry(S("\"a\" = \"a\";"));
-        QSignalSpy spy(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified);
-        e->setLocalizedWord(std::nullopt);
-        QCOMPARE(spy.count(), 0);
-        QCOMPARE(e->entry(), S("\"a\" = \"a\";"));
-
-        e->setLocalizedWord(S("a"));  // same word: text rewritten, mark untouched
-        QVERIFY(!e->isChecked());
-        QCOMPARE(spy.count(), 0);
-
-        e->setLocalizedWord(S("say \"hi\""));
-        QCOMPARE(e->entry(), S("\"a\" = \"say \\\"hi\\\"\";"));
-        QVERIFY(e->isChecked());
-        QCOMPARE(spy.count(), 1);
-        e->setLocalizedWord(S("say \\\"hi\\\""));  // typed with backslashes: written the same way
-        QCOMPARE(e->entry(), S("\"a\" = \"say \\\"hi\\\"\";"));
-
-        // Whatever followed the old value is dropped.
-        auto trailing = LocEntry::initWithEntry(S("\"k\" = \"v\"; // note"));
-        trailing->setLocalizedWord(S("w"));
-        QCOMPARE(trailing->entry(), S("\"k\" = \"w\";"));
-    }
-
-    void escapedQuoteBeforeSemicolonCutsTheWord()
-    {
-        auto e = LocEntry::initWithEntry(S("\"k\" = \"a\\\";b\";"));
-        QCOMPARE(e->localizedWord(), OptString(S("a\\")));
     }
 
     void needToLocalize()
@@ -188,7 +127,7 @@ private slots:
 
     void everySetCheckPosts()
     {
-        auto e = LocEntry::initWithEntry(kStringsEntry);
+        auto e = LocEntry::initWithEntry(S("\"Open\" = \"Open\";"));
         QSignalSpy spy(&NotificationCenter::instance(), &NotificationCenter::locEntryHasModified);
         e->setCheck(false);
         e->setCheck(false);
