@@ -159,19 +159,25 @@ void LocFile::encodeWithCoder(QDataStream &out) const
 {
     Archive::writeClass(out, QStringLiteral("LocFile"), classVersion);
     Archive::writeString(out, m_path);
+    out << m_previousVersionForm;
     Archive::writeCount(out, m_allEntries.size());
     for (const LocEntryPtr &e : m_allEntries) e->encodeWithCoder(out);
 }
 
 std::shared_ptr<LocFile> LocFile::initWithCoder(QDataStream &in)
 {
-    if (!Archive::readClass(in, QStringLiteral("LocFile"), classVersion)) return nullptr;
+    qint32 version = 0;
+    if (!Archive::readClass(in, QStringLiteral("LocFile"), classVersion, &version)) return nullptr;
     const auto path = Archive::readString(in);
     if (!path) return nullptr;
+    qint32 form = 0;
+    if (version >= 2) in >> form;
+    if (in.status() != QDataStream::Ok) return nullptr;
     // An archived entry takes at least its class header, text length and mark.
     const auto count = Archive::readCount(in, 16);
     if (!count) return nullptr;
     std::shared_ptr<LocFile> file(new LocFile(*path));
+    file->m_previousVersionForm = form;
     QList<LocEntryPtr> entries;
     entries.reserve(*count);
     for (qsizetype i = 0; i < *count; ++i) {

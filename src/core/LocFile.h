@@ -24,7 +24,7 @@ public:
     };
     static std::shared_ptr<LocFile> initWithPath(const QString &path, const InterfaceTables &tables);
     // Archive: class "LocFile" version 1, the path, then every entry. None when corrupt.
-    static constexpr qint32 classVersion = 1;
+    static constexpr qint32 classVersion = 2;  // 2: the previous version's form
     static std::shared_ptr<LocFile> initWithCoder(QDataStream &in);
     void encodeWithCoder(QDataStream &out) const;
 
@@ -33,6 +33,11 @@ public:
     const QString &path() const { return m_path; }
     const QString &initError() const { return m_initError; }
     void setInitError(const QString &error) { m_initError = error; }
+    // How the previous version's file was written (its encoding or kind), as the handler that
+    // read it numbers the forms; kept in the document, so that an export after reopening writes
+    // what an export right after adding would.
+    qint32 previousVersionForm() const { return m_previousVersionForm; }
+    void setPreviousVersionForm(qint32 form) { m_previousVersionForm = form; }
     // Messages about what reading could not take (pairs skipped, encodings guessed); shown to
     // the user beside the entries, never instead of them.
     const QStringList &warnings() const { return m_warnings; }
@@ -81,6 +86,7 @@ private:
     explicit LocFile(const QString &path);
     QString m_path;
     QString m_initError;
+    qint32 m_previousVersionForm = 0;
     QStringList m_warnings;
     QList<LocEntryPtr> m_entries;
     QList<LocEntryPtr> m_allEntries;

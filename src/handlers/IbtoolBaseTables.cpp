@@ -14,11 +14,6 @@ using namespace StringUtility;
 
 namespace ibtoolHandle {
 
-namespace {
-// Kept as a property of the file object: it lives as long as the file and needs no field of its own.
-constexpr const char *kFormProperty = "vocabrixPreviousTableForm";
-}  // namespace
-
 bool isInterfaceExtension(const QString &path)
 {
     const QString ext = QFileInfo(path).suffix();
@@ -48,13 +43,13 @@ TableForm tableFormOfFile(const QString &path)
 
 void rememberPreviousForm(LocFile &file, TableForm form)
 {
-    file.setProperty(kFormProperty, int(form));
+    file.setPreviousVersionForm(qint32(form));
 }
 
 TableForm previousForm(const LocFile &file)
 {
-    const QVariant v = file.property(kFormProperty);
-    return v.isValid() ? TableForm(v.toInt()) : TableForm::Utf8;
+    const qint32 form = file.previousVersionForm();
+    return form >= 0 && form <= qint32(TableForm::InterfaceFile) ? TableForm(form) : TableForm::Utf8;
 }
 
 bool exportsAsTable(const LocFile &file)

@@ -250,6 +250,7 @@ private slots:
     {
         LocFilePtr file = make({S("\"a\" = \"a\";"), S("\"b\" = \"c\";")});
         file->allEntries().last()->setCheck(true);
+        file->setPreviousVersionForm(3);
         QByteArray bytes;
         {
             QDataStream out(&bytes, QIODevice::WriteOnly);
@@ -260,6 +261,7 @@ private slots:
         LocFilePtr copy = LocFile::initWithCoder(in);
         QVERIFY(copy);
         QCOMPARE(copy->path(), file->path());
+        QCOMPARE(copy->previousVersionForm(), 3);  // export after reopening writes the same form
         QCOMPARE(copy->allEntries().size(), 2);
         QCOMPARE(copy->entries().size(), 1);
         QCOMPARE(copy->allEntries().last()->entry(), S("\"b\" = \"c\";"));
