@@ -38,6 +38,28 @@ QString resourcesFolder(const QString &bundle)
     return dir.filePath(QStringLiteral("Contents/Resources"));
 }
 
+QStringList frameworks(const QString &bundle)
+{
+    QStringList found;
+    for (const char *place : {"Contents/Frameworks", "Frameworks"}) {
+        const QDir dir(QDir(bundle).filePath(QLatin1String(place)));
+        for (const QString &name : dir.entryList({QStringLiteral("*.framework")}, QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name))
+            if (!isHiddenName(name)) found.append(dir.filePath(name));
+    }
+    return found;
+}
+
+QString frameworkPart(const QString &path)
+{
+    const qsizetype end = path.lastIndexOf(QLatin1String(".framework/"));
+    if (end < 0) return QString();
+    const qsizetype folder = path.lastIndexOf(QLatin1String("/Frameworks/"), end);
+    if (folder < 0) return QString();
+    qsizetype start = folder + 1;
+    if (path.mid(folder - 9, 9) == QLatin1String("/Contents")) start = folder - 8;
+    return path.mid(start, end + 10 - start);
+}
+
 bool isHiddenName(const QString &name)
 {
     return name.startsWith(u'.');

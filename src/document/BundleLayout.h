@@ -16,6 +16,13 @@ inline const QString kBaseFolder = QStringLiteral("Base.lproj");
 // The folder that holds the bundle's .lproj folders; Contents/Resources when none of the known
 // places exists (where a bundle's folders have always been looked for).
 QString resourcesFolder(const QString &bundle);
+// The frameworks an application carries, each a bundle with its own language folders
+// (Contents/Frameworks/X.framework on the Mac, Frameworks/X.framework on iOS), sorted by name.
+QStringList frameworks(const QString &bundle);
+// The part of a file's path that names the framework holding it, from the application's
+// "Contents/Frameworks/" or "Frameworks/" on ("Contents/Frameworks/Sparkle.framework"); empty
+// for a file of the application itself.
+QString frameworkPart(const QString &path);
 
 // Names the file system hides, and AppleDouble copies ("._X") that archives carry along: never
 // resources of their own.

@@ -183,6 +183,23 @@ OptString MyDocument::languageFolderIn(const QString &resources, bool target, bo
 
 QList<MyDocument::BundleFile> MyDocument::bundleFiles(const QString &bundlePath, const OptString &previous)
 {
+    QList<BundleFile> list = filesOfOneBundle(bundlePath, previous);
+    // The localized frameworks an application carries (Sparkle and the like) ship in its
+    // languages too: their files come after the application's, each paired with the same
+    // framework of the previous release.
+    for (const QString &framework : BundleLayout::frameworks(bundlePath)) {
+        OptString previousFramework;
+        if (previous && !previous->isEmpty()) {
+            const QString candidate = QDir(*previous).filePath(BundleLayout::frameworkPart(framework + u'/'));
+            if (QFileInfo(candidate).isDir()) previousFramework = candidate;
+        }
+        list += filesOfOneBundle(framework, previousFramework);
+    }
+    return list;
+}
+
+QList<MyDocument::BundleFile> MyDocument::filesOfOneBundle(const QString &bundlePath, const OptString &previous)
+{
     const QString resources = BundleLayout::resourcesFolder(bundlePath);
     const bool modern = QFileInfo(resources + u'/' + BundleLayout::kBaseFolder).isDir()
                         && baseLanguageKey() != OptString(QStringLiteral("Base"));

@@ -57,9 +57,48 @@ ExportResult MyDocument::makeLocalizedFiles(const QList<LocFilePtr> &files)
     // From a file in a base-language folder, two levels up is the folder of the language folders.
     QDir start = QFileInfo(files.first()->path()).dir();
     start.cdUp();
-    const OptString folder = selectLocalizedFolder(start.path());
+    QString bundle;
+    const OptString folder = selectLocalizedFolder(start.path(), &bundle);
     if (!folder || folder->isEmpty()) return nothing;
-    return writeLocalizedFiles(files, *folder);
+    if (bundle.isEmpty()) return writeLocalizedFiles(sameFolder(files, *folder), *folder);
+    // The user agreed to write into the bundle: its frameworks' folders are written too.
+    return writeLocalizedFiles(jobsIntoBundle(files, bundle, *folder, true, nullptr), *folder);
+}
+
+QList<MyDocument::ExportJob> MyDocument::sameFolder(const QList<LocFilePtr> &files, const QString &folder)
+{
+    QList<ExportJob> jobs;
+    for (const LocFilePtr &file : files) jobs.append({file, folder});
+    return jobs;
+}
+
+// Into a bundle, a file of one of the application's frameworks goes to that framework's own
+// language folder in the destination, found or made as the application's is; a framework the
+// destination does not carry gets no folder, and its files are reported as not written.
+QList<MyDocument::ExportJob> MyDocument::jobsIntoBundle(const QList<LocFilePtr> &files, const QString &bundle,
+                                                        const QString &appFolder, bool overwrite, QString *refusal)
+{
+    QHash<QString, QString> folders{{QString(), appFolder}};
+    QList<ExportJob> jobs;
+    for (const LocFilePtr &file : files) {
+        const QString part = BundleLayout::frameworkPart(file->path());
+        if (!folders.contains(part)) {
+            const QString framework = QDir(bundle).filePath(part);
+            QString folder;
+            if (QFileInfo(framework).isDir()) {
+                bool existing = false, cancelled = false;
+                QString existingName;
+                folder = destinationInBundle(framework, &existing, &existingName, &cancelled);
+                if (existing && !overwrite) {
+                    if (refusal) *refusal = overwriteMessage(part + u'/' + existingName);
+                    return {};
+                }
+            }
+            folders.insert(part, folder);
+        }
+        jobs.append({file, folders.value(part)});
+    }
+    return jobs;
 }
 
 ExportResult MyDocument::makeLocalizedFilesInto(const QList<LocFilePtr> &files, const QString &destination,
@@ -94,11 +133,14 @@ ExportResult MyDocument::makeLocalizedFilesInto(const QList<LocFilePtr> &files, 
             if (refusal) *refusal = overwriteMessage(existingName);
             return nothing;
         }
+        const QList<ExportJob> jobs = jobsIntoBundle(files, QDir::cleanPath(destination), folder, overwrite, refusal);
+        if (jobs.isEmpty()) return nothing;
+        return writeLocalizedFiles(jobs, folder);
     } else if (!QFileInfo(folder).isDir() && !QDir().mkpath(folder)) {
         if (refusal) *refusal = QStringLiteral("The folder %1 could not be created.").arg(quoted(folder));
         return nothing;
     }
-    return writeLocalizedFiles(files, folder);
+    return writeLocalizedFiles(sameFolder(files, folder), folder);
 }
 
 QString MyDocument::destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled)
@@ -120,7 +162,7 @@ QString MyDocument::destinationInBundle(const QString &bundle, bool *existing, Q
     return resources + u'/' + name;
 }
 
-OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
+OptString MyDocument::selectLocalizedFolder(const OptString &startPath, QString *chosenBundle)
 {
     QString startFolder = QDir::homePath();
     if (startPath) {
@@ -146,6 +188,7 @@ OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
         if (chosen.isEmpty()) return std::nullopt;
         const QString path = QDir::cleanPath(chosen.first());
         if (!isBundlePath(path, bundles)) return path;
+        if (chosenBundle) *chosenBundle = path;
         bool existing = false, cancelled = false;
         QString existingName;
         const QString folder = destinationInBundle(path, &existing, &existingName, &cancelled);
@@ -161,7 +204,7 @@ OptString MyDocument::selectLocalizedFolder(const OptString &startPath)
     }
 }
 
-ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, const QString &folder)
+ExportResult MyDocument::writeLocalizedFiles(const QList<ExportJob> &jobs, const QString &folder)
 {
     ExportResult result;
     result.folder = folder;
@@ -169,14 +212,18 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<LocFilePtr> &files, con
     waitUntilFilesRead();
     m_stopRequested = false;
     int done = 0;
-    for (const LocFilePtr &file : files) {
+    for (const auto &[file, into] : jobs) {
         if (m_stopRequested) break;
         emit workingOn(file->path());
-        // A later file's word replaces an earlier one's for the same base word.
-        result.pairs.insertAll(file->makeLocalizedFileAt(folder));
-        const QString output = localizedOutputPath(*file, folder);
-        (QFileInfo::exists(output) ? result.written : result.failed).append(output);
-        emit progress(++done, int(files.size()));
+        if (into.isEmpty()) {
+            result.failed.append(file->path());
+        } else {
+            // A later file's word replaces an earlier one's for the same base word.
+            result.pairs.insertAll(file->makeLocalizedFileAt(into));
+            const QString output = localizedOutputPath(*file, into);
+            (QFileInfo::exists(output) ? result.written : result.failed).append(output);
+        }
+        emit progress(++done, int(jobs.size()));
     }
     result.stopped = std::exchange(m_stopRequested, false);
     if (result.stopped) result.pairs = StringMap();

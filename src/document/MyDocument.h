@@ -172,6 +172,7 @@ public:
     // The files a bundle adds. With Base.lproj (and a base language other than "Base"): its
     // interface files and tables, then the base language's folder; otherwise that folder alone.
     QList<BundleFile> bundleFiles(const QString &bundlePath, const OptString &previous);
+    QList<BundleFile> filesOfOneBundle(const QString &bundlePath, const OptString &previous);
     // The existing folder of the target (or base) language in a resources folder, asking through
     // the dialogs when several fit; none when none fits or the user cancelled.
     OptString languageFolderIn(const QString &resources, bool target, bool *cancelled = nullptr);
@@ -199,7 +200,8 @@ public:
                                         QString *refusal = nullptr);
     // The destination folder chosen in the export panel (bundles resolved, warning included), or
     // none when the user cancelled.
-    OptString selectLocalizedFolder(const OptString &startPath);
+    // `chosenBundle`, when given, receives the bundle the user chose (empty for a plain folder).
+    OptString selectLocalizedFolder(const OptString &startPath, QString *chosenBundle = nullptr);
 
 signals:
     void titleChanged();
@@ -233,7 +235,14 @@ private:
     QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled);
     static QStringList resourceNames(const QString &folder);
     static QString firstExisting(const QStringList &paths);
-    ExportResult writeLocalizedFiles(const QList<LocFilePtr> &files, const QString &folder);
+    struct ExportJob {
+        LocFilePtr file;
+        QString folder;  // empty: there is nowhere to write it
+    };
+    static QList<ExportJob> sameFolder(const QList<LocFilePtr> &files, const QString &folder);
+    QList<ExportJob> jobsIntoBundle(const QList<LocFilePtr> &files, const QString &bundle, const QString &appFolder,
+                                    bool overwrite, QString *refusal);
+    ExportResult writeLocalizedFiles(const QList<ExportJob> &jobs, const QString &folder);
 
     QString m_title;
     int m_locLangFrom = 1;
