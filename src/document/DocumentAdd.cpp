@@ -108,28 +108,50 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
     const QList<LocFilePtr> before = m_files;
     QList<LocFilePtr> added;
     const QStringList bundles = VXControllerModel::instance().bundleFileTypes();
+    const PreviousVersions previousVersions = askHowToFindPreviousVersions(paths, bundles);
+    QStringList notAdded;
+    QSet<QString> present;
+    for (const LocFilePtr &f : std::as_const(m_files)) present.insert(f->path());
     int done = 0;
     for (const auto &[raw, given] : paths) {
         if (m_stopRequested) break;
         const QString path = QDir::cleanPath(raw);
+        const bool bundle = isBundlePath(path, bundles);
+        if (!bundle && present.contains(path)) {
+            notAdded.append(localizedString(QStringLiteral("%1: it is in the document already.")).arg(path));
+            continue;
+        }
+        if (!bundle && !HandlerRegistry::kindForPath(path)) {
+            notAdded.append(localizedString(QStringLiteral("%1: Vocabrix does not translate files of this kind.")).arg(path));
+            continue;
+        }
         // Asked for every path, bundle or not, before anything of it is read.
-        const OptString previous = given ? *given : selectPreviousVersionFile(path);
-        if (isBundlePath(path, bundles)) {
+        OptString previous;
+        if (given) previous = *given;
+        else if (bundle || previousVersions.how == PreviousVersions::EachFile) previous = selectPreviousVersionFile(path);
+        else if (previousVersions.how == PreviousVersions::OneFolder)
+            previous = orNone(firstExisting({inFolder(previousVersions.folder, QFileInfo(path).fileName())}));
+        if (bundle) {
             const QList<BundleFile> list = bundleFiles(path, previous);
             prepareReading(list);
             for (qsizetype i = 0; i < list.size(); ++i) {
                 const BundleFile &item = list.at(i);
+                if (present.contains(item.path)) continue;
                 emit workingOn(item.path);
                 if (LocFilePtr f = addFile(item.path, orNone(item.previous))) {
                     if (!item.previousBase.isEmpty()) markChangedBaseWords(*f, item.previousBase);
                     added.append(f);
+                    present.insert(item.path);
                 }
                 emit progress(int(i + 1), int(list.size()));
                 if (m_stopRequested) break;
             }
         } else {
             emit workingOn(path);
-            if (LocFilePtr f = addFile(path, previous)) added.append(f);
+            if (LocFilePtr f = addFile(path, previous)) {
+                added.append(f);
+                present.insert(path);
+            }
         }
         ++done;
         if (!isBundlePath(path, bundles)) emit progress(done, int(paths.size()));
@@ -144,7 +166,49 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
     update();
     setFiles(m_files);
     setLoadingFiles(false);
+    if (!notAdded.isEmpty()) {
+        Alert alert;
+        alert.title = localizedString(QStringLiteral("Some files were not added"));
+        alert.message = notAdded.join(u'\n');
+        alert.buttons = QStringList{localizedString(QStringLiteral("OK"))};
+        alert.style = AlertStyle::Informational;
+        dialogs().showAlertSheet(alert);
+    }
     return added;
+}
+
+// Thirty loose files are not thirty panels: when several files are added without their previous
+// versions, the user says once whether to choose each, take them by name from one folder, or
+// go without. Bundles are always asked for, one old bundle each.
+MyDocument::PreviousVersions MyDocument::askHowToFindPreviousVersions(
+    const QList<QPair<QString, std::optional<OptString>>> &paths, const QStringList &bundles)
+{
+    PreviousVersions answer;
+    int loose = 0;
+    for (const auto &[path, given] : paths)
+        if (!given && !isBundlePath(QDir::cleanPath(path), bundles)) ++loose;
+    if (loose < 2) return answer;
+    Alert alert;
+    alert.title = localizedString(QStringLiteral("Previous versions"));
+    alert.message = localizedString(QStringLiteral("%1 files are being added. Their previous localized versions can be "
+                                                   "chosen one by one, taken by name from one folder, or left out."))
+                        .arg(loose);
+    alert.buttons = QStringList{localizedString(QStringLiteral("Choose for Each File")),
+                                localizedString(QStringLiteral("Use One Folder")), localizedString(QStringLiteral("Skip All"))};
+    alert.style = AlertStyle::Informational;
+    const int button = dialogs().runAlert(alert);
+    if (button == 2) answer.how = PreviousVersions::None;
+    if (button != 1) return answer;
+    OpenPanelOptions options;
+    options.message = localizedString(QStringLiteral("Select the folder of the previous localized versions"));
+    options.prompt = localizedString(QStringLiteral("Choose"));
+    options.allowsMultipleSelection = false;
+    options.canChooseFiles = false;
+    options.canChooseDirectories = true;
+    const QStringList chosen = dialogs().runOpenPanel(options);
+    answer.how = chosen.isEmpty() ? PreviousVersions::None : PreviousVersions::OneFolder;
+    answer.folder = chosen.value(0);
+    return answer;
 }
 
 QList<QPair<QString, QString>> MyDocument::bundleFilesWithPrevious(const QString &bundlePath, const OptString &previous)
@@ -351,7 +415,7 @@ OptString MyDocument::selectPreviousVersionFile(const QString &path)
     OpenPanelOptions options;
     const OptString target = targetFolderName();
     options.startFolder = target && grandparent.exists(*target) ? grandparent.filePath(*target) : grandparent.path();
-    options.message = info.fileName() + localizedString(QStringLiteral("Select previous version localized file if exist"));
+    options.message = QStringLiteral("%1: %2").arg(info.fileName(), localizedString(QStringLiteral("Select previous version localized file if exist")));
     options.prompt = localizedString(QStringLiteral("Choose"));
     options.presetName = info.fileName();
     options.allowedExtensions = QStringList{info.suffix()};

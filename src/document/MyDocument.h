@@ -232,6 +232,12 @@ private:
     // found or created language folder; `existing` tells whether a language folder was found.
     // Previous versions given (outer optional set) or asked for in the panel (unset).
     QList<LocFilePtr> addPaths(const QList<QPair<QString, std::optional<OptString>>> &paths);
+    struct PreviousVersions {
+        enum How { EachFile, OneFolder, None } how = EachFile;
+        QString folder;
+    };
+    PreviousVersions askHowToFindPreviousVersions(const QList<QPair<QString, std::optional<OptString>>> &paths,
+                                                  const QStringList &bundles);
     QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled);
     static QStringList resourceNames(const QString &folder);
     static QString firstExisting(const QStringList &paths);
