@@ -3,6 +3,7 @@
 // list) and exports such a table in the same form; .stringsdict files give entries for their
 // texts only and export whole. Runs the built vocabrix-ibtool (through VOCABRIX_TOOLS_DIR).
 
+#include "CaseData.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "PropertyList.h"
@@ -11,25 +12,12 @@
 
 #include <QTest>
 
+using TestSupport::S;
+
 namespace {
 
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+QByteArray data(const char *name) { return TestSupport::readFile(TestSupport::dataDir(u"handlers/"_qs) + QLatin1String(name)); }
 
-const QByteArray kXib =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<document type=\"com.apple.InterfaceBuilder3.Cocoa.XIB\" version=\"3.0\">\n"
-    "  <objects>\n"
-    "    <window title=\"Preferences\" id=\"1\">\n"
-    "      <view key=\"contentView\" id=\"2\">\n"
-    "        <subviews>\n"
-    "          <button id=\"10\"><buttonCell key=\"cell\" title=\"OK\" id=\"11\"/></button>\n"
-    "          <textField id=\"20\"><textFieldCell key=\"cell\" title=\"Name:\" id=\"Ab1-cd-EF2\"/></textField>\n"
-    "          <textField id=\"30\"><textFieldCell key=\"cell\" title=\"Say &quot;hi&quot;\" id=\"Qz9-xx-001\"/></textField>\n"
-    "        </subviews>\n"
-    "      </view>\n"
-    "    </window>\n"
-    "  </objects>\n"
-    "</document>\n";
 
 // The previous release's French table: one key translated, one the same as the base, one stale;
 // the name field and the quoted text are missing.
@@ -40,11 +28,7 @@ const char *kPreviousTable = "/* Class = \"NSWindow\"; title = \"Preferences\"; 
 
 QByteArray encoded(const QString &form, const QString &text)
 {
-    if (form == QLatin1String("utf16")) {
-        QByteArray bytes("\xFF\xFE", 2);
-        for (QChar c : text) bytes.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
-        return bytes;
-    }
+    if (form == QLatin1String("utf16")) return TestSupport::utf16le(text);
     if (form == QLatin1String("binary")) {
         plist::Dictionary dict;
         const std::optional<StringMap> pairs = StringsTable::parse(text);
@@ -63,29 +47,6 @@ QStringList words(const LocFilePtr &file)
     return list;
 }
 
-const QByteArray kStringsdict =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\"><dict>\n"
-    "<key>%d articles</key><dict>\n"
-    "  <key>NSStringLocalizedFormatKey</key><string>%#@articles@ in \"%@\"</string>\n"
-    "  <key>articles</key><dict>\n"
-    "    <key>NSStringFormatSpecTypeKey</key><string>NSStringPluralRuleType</string>\n"
-    "    <key>NSStringFormatValueTypeKey</key><string>d</string>\n"
-    "    <key>one</key><string>%d article</string>\n"
-    "    <key>other</key><string>%d articles</string>\n"
-    "  </dict>\n"
-    "</dict>\n"
-    "<key>unread</key><dict>\n"
-    "  <key>NSStringLocalizedFormatKey</key><string>%#@n@</string>\n"
-    "  <key>n</key><dict>\n"
-    "    <key>NSStringFormatSpecTypeKey</key><string>NSStringPluralRuleType</string>\n"
-    "    <key>NSStringFormatValueTypeKey</key><string>ld</string>\n"
-    "    <key>zero</key><string>No unread</string>\n"
-    "    <key>other</key><string>%ld unread</string>\n"
-    "  </dict>\n"
-    "</dict>\n"
-    "</dict></plist>\n";
 
 }  // namespace
 
@@ -137,7 +98,7 @@ private slots:
         QFETCH(QStringList, expected);
         QFETCH(QByteArray, exportedStart);
         const QString dir = folder();
-        const QString base = TestSupport::writeFile(dir + QLatin1String("/New.app/Base.lproj/Prefs.xib"), kXib);
+        const QString base = TestSupport::writeFile(dir + QLatin1String("/New.app/Base.lproj/Prefs.xib"), data("base-prefs.xib"));
         const QString previous = dir + QLatin1String("/Old.app/fr.lproj/Prefs.strings");
         if (form != QLatin1String("none")) TestSupport::writeFile(previous, encoded(form, S(kPreviousTable)));
         OptString dictPath;
@@ -196,7 +157,7 @@ private slots:
                            S("%d articles/articles/one=%d article-"), S("%d articles/articles/other=%d articles-"),
                            S("unread/NSStringLocalizedFormatKey=%#@n@-"), S("unread/n/zero=No unread-"),
                            S("unread/n/other=%ld unread-")};
-        QByteArray german = kStringsdict;
+        QByteArray german = data("articles.stringsdict");
         german.replace("<string>%d article</string>", "<string>%d Artikel</string>")
             .replace("<string>No unread</string>", "<string>Nichts Ungelesenes</string>");
         german.replace("<key>other</key><string>%ld unread</string>", "");
@@ -212,7 +173,7 @@ private slots:
         QFETCH(QByteArray, previous);
         QFETCH(QStringList, expected);
         const QString dir = folder();
-        const QString base = TestSupport::writeFile(dir + QLatin1String("/Base.lproj/Localizable.stringsdict"), kStringsdict);
+        const QString base = TestSupport::writeFile(dir + QLatin1String("/Base.lproj/Localizable.stringsdict"), data("articles.stringsdict"));
         OptString prevPath;
         if (!previous.isEmpty()) prevPath = TestSupport::writeFile(dir + QLatin1String("/de.lproj/Localizable.stringsdict"), previous);
         const LocFilePtr file = LocFile::initWithPath(base, std::nullopt, prevPath);

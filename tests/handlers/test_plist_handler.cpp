@@ -15,8 +15,9 @@
 using plist::Value;
 Q_DECLARE_METATYPE(plist::Value)
 
+using TestSupport::S;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 Value str(const char *utf8) { return Value::fromString(S(utf8)); }
 Value dict(const plist::Dictionary &d) { return Value::fromDictionary(d); }
 Value arr(const plist::Array &a) { return Value::fromArray(a); }

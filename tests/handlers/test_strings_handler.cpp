@@ -1,21 +1,29 @@
-// The strings-file handler through LocFile: which lines make entries and what they hold, which
-// source fills a word (previous version by key, else dictionary by base text), check marks,
-// empty keys and values, encodings, what the user is told, the header test and the export.
+// The strings-file handler through LocFile: which lines make entries and what they hold (in
+// UTF-8 and UTF-16 alike), which source fills a word (previous version by key, else dictionary
+// by base text), check marks, encodings, what the user is told, the header test and the export.
+// Grammar and source cases are tables under tests/data/handlers/.
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "NotificationCenter.h"
 #include "PropertyList.h"
 #include "StringsHandler.h"
-#include "StringsTable.h"
-#include "TestSupport.h"
 
 #include <QSignalSpy>
 #include <QStringEncoder>
 #include <QTest>
 
+using namespace TestSupport;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 QByteArray B(const char *utf8) { return QByteArray(utf8); }
+QString words(const LocFilePtr &file)
+{
+    QStringList list;
+    for (const LocEntryPtr &e : file->allEntries())
+        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
+    return list.join(u'|');
+}
 }  // namespace
 
 class TestStringsHandler : public QObject {
@@ -42,14 +50,6 @@ class TestStringsHandler : public QObject {
         QDir().mkpath(folder);
         return folder;
     }
-    static QString words(const LocFilePtr &file)
-    {
-        QStringList list;
-        for (const LocEntryPtr &e : file->allEntries())
-            list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? S("+") : S("-"));
-        return list.join(u'|');
-    }
-
 private slots:
     void initTestCase()
     {
@@ -60,40 +60,15 @@ private slots:
 
     // Every pair where the grammar puts it, words as the file writes them (escaped), with the
     // comment just above it; what is no pair (comments, commented-out pairs) makes no entry.
-    void pairMakesEntry_data()
-    {
-        QTest::addColumn<QByteArray>("table");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("base");
-        QTest::addColumn<QString>("comment");
-        QTest::newRow("spaced") << B("\"a\" = \"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("tight") << B("\"a\"=\"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("tab after equals") << B("\"a\" =\t\"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("over two lines") << B("\"a\" =\n  \"b\"\n;") << S("a") << S("b") << QString();
-        QTest::newRow("value spans lines") << B("\"a\" = \"one\ntwo\";") << S("a") << S("one\\ntwo") << QString();
-        QTest::newRow("short form") << B("\"Cancel\";") << S("Cancel") << S("Cancel") << QString();
-        QTest::newRow("unquoted words") << B("CFBundleName = Vienna;") << S("CFBundleName") << S("Vienna") << QString();
-        QTest::newRow("escapes kept") << B("\"say \\\"hi\\\"\" = \"x\\\"=y\\n\";") << S("say \\\"hi\\\"")
-                                      << S("x\\\"=y\\n") << QString();
-        QTest::newRow("non-ASCII") << B("\"Öffnen\" = \"Öffnen…\";") << S("Öffnen") << S("Öffnen…") << QString();
-        QTest::newRow("ibtool comment") << B("/* Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\"; */\n"
-                                             "\"5.title\" = \"Torrent Creator\";")
-                                        << S("5.title") << S("Torrent Creator")
-                                        << S("Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\";");
-        QTest::newRow("line comment") << B("// Preferences -> Transfers\n\"a\" = \"b\";") << S("a") << S("b")
-                                      << S("Preferences -> Transfers");
-        QTest::newRow("last of two comments") << B("/* one */\n/* two */\n\"a\" = \"b\";") << S("a") << S("b") << S("two");
-        QTest::newRow("commented-out pair is a comment") << B("/* \"old\" = \"gone\"; */\n\"a\" = \"b\";") << S("a")
-                                                         << S("b") << S("\"old\" = \"gone\";");
-        QTest::newRow("file header apart") << B("/* Localizable.strings */\n\n\"a\" = \"b\";") << S("a") << S("b") << QString();
-    }
+    void pairMakesEntry_data() { addCaseRows(u"handlers/strings-pairs.tsv"_qs, {"table", "key", "base", "comment"}, true); }
     void pairMakesEntry()
     {
-        QFETCH(QByteArray, table);
+        QFETCH(bool, utf16);
+        QFETCH(QString, table);
         QFETCH(QString, key);
         QFETCH(QString, base);
         QFETCH(QString, comment);
-        const LocFilePtr file = read(table + B("\n"));
+        const LocFilePtr file = read(utf16 ? utf16le(table + u'\n') : (table + u'\n').toUtf8());
         QCOMPARE(file->allEntries().size(), 1);
         const LocEntryPtr e = file->allEntries().first();
         QCOMPARE(e->entry(), S("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";").arg(key, base));
@@ -114,19 +89,13 @@ private slots:
 
     // A table Foundation could not load is no base for a translation: no entries, the place
     // named, and never a localized table written from it.
-    void brokenTableIsReportedAndNeverWritten_data()
-    {
-        QTest::addColumn<QByteArray>("table");
-        QTest::addColumn<QString>("where");
-        QTest::newRow("missing semicolon") << B("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";\n") << S("at line 3");
-        QTest::newRow("open quote") << B("\"a\" = \"1\";\n\"b\" = \"2;\n") << S("at line 2");
-        QTest::newRow("open comment") << B("\"a\" = \"1\";\n/* note\n") << S("at line 2");
-    }
+    void brokenTableIsReportedAndNeverWritten_data() { addCaseRows(u"handlers/strings-broken.tsv"_qs, {"table", "where"}, true); }
     void brokenTableIsReportedAndNeverWritten()
     {
-        QFETCH(QByteArray, table);
+        QFETCH(bool, utf16);
+        QFETCH(QString, table);
         QFETCH(QString, where);
-        const LocFilePtr file = read(table);
+        const LocFilePtr file = read(utf16 ? utf16le(table) : table.toUtf8());
         QVERIFY(file->allEntries().isEmpty());
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY2(file->warnings().first().contains(S("breaks the string-table syntax ") + where), qPrintable(file->warnings().first()));
@@ -135,61 +104,28 @@ private slots:
         QVERIFY(!QFileInfo::exists(folder + S("/Localizable.strings")));
     }
 
-    void whichSourceWins()
+    void sources_data()
     {
-        const QByteArray base = "\"k1\" = \"Open\";\n\"k2\" = \"Save\";\n\"k3\" = \"Quit\";\n\"k4\" = \"Open\";\n";
-        const QByteArray previous = "\"k1\" = \"Öffnen\";\n\"Open\" = \"Falsch\";\n";
-        const QByteArray dictionary = "\"Open\" = \"Aufmachen\";\n\"Save\" = \"Sichern\";\n\"k3\" = \"Falsch\";\n";
-        const LocFilePtr file = read(base, previous, dictionary);
-        // Previous by key beats the dictionary; the dictionary matches base text, never keys.
-        QCOMPARE(words(file), S("Öffnen+|Sichern+|Quit-|Aufmachen+"));
-        QCOMPARE(file->status(), S("3/4"));
-        QVERIFY(file->warnings().isEmpty());
+        addCaseRows(u"handlers/strings-sources.tsv"_qs, {"base", "previous", "dictionary", "words", "warnings"});
+    }
+    void sources()
+    {
+        QFETCH(QString, base);
+        QFETCH(QString, previous);
+        QFETCH(QString, dictionary);
+        QFETCH(QString, words);
+        QFETCH(QString, warnings);
+        const auto bytes = [](const QString &f) { return f == u"-" ? QByteArray() : f.toUtf8(); };
+        const LocFilePtr file = read(base.toUtf8(), bytes(previous), bytes(dictionary));
+        QCOMPARE(::words(file), words);
+        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
     }
 
-    void sameWordFromASourceStillChecks()
-    {
-        const LocFilePtr file = read(B("\"k\" = \"OK\";\n\"l\" = \"Cancel\";\n"), B("\"k\" = \"OK\";"),
-                                     B("\"Cancel\" = \"Cancel\";"));
-        QCOMPARE(words(file), S("OK+|Cancel+"));
-    }
-
-    void singleSpaceStartsChecked()
-    {
-        QCOMPARE(words(read(B("\"k\" = \" \";\n"))), S(" +"));
-    }
-
-    void previousLineBreakAndQuoteComeInEscaped()
-    {
-        const LocFilePtr file = read(B("\"k\" = \"x\";\n"), B("\"k\" = \"eins\\nzwei \\\"drei\\\"\";"));
-        QCOMPARE(file->allEntries().first()->localizedWord(), OptString(S("eins\\nzwei \\\"drei\\\"")));
-    }
-
-    void escapedKeysAndValuesInLookups()
-    {
-        // The previous version by the key as the grammar reads it; the dictionary by the base word
-        // as it stands first, then as the grammar reads it (dictionaries hold plain words).
-        const QByteArray base = "\"say \\\"hi\\\"\" = \"x\";\n\"k\" = \"say \\\"hi\\\"\";\n\"m\" = \"a\\\\b\";\n\"t\\tab\" = \"y\";\n";
-        const LocFilePtr file = read(base, B("\"say \\\"hi\\\"\" = \"found\";\n\"t\\tab\" = \"tab\";"),
-                                     B("\"say \\\"hi\\\"\" = \"plain\";\n\"a\\\\b\" = \"literal\";"));
-        QCOMPARE(words(file), S("found+|plain+|literal+|tab+"));
-    }
-
+    // Words of empty keys and values are in the source table; here: hiding empty words, export.
     void emptyKeysAndValues()
     {
-        const QByteArray base = "\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n";
-        const LocFilePtr file = read(base, B("\"\" = \"leer\";\n\"x\" = \"wrong\";"));
-        QCOMPARE(file->allEntries().size(), 3);
-        const LocEntryPtr emptyValue = file->allEntries().at(0);
-        QCOMPARE(emptyValue->keyWord(), OptString(S("a")));
-        QCOMPARE(emptyValue->baseWord(), OptString(QString()));
-        QVERIFY(!emptyValue->localizedWord());
-        QVERIFY(emptyValue->isChecked());
-        // The empty key looks up its own previous word, not its value's.
+        const LocFilePtr file = read(B("\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n"), B("\"\" = \"leer\";"));
         const LocEntryPtr emptyKey = file->allEntries().at(1);
-        QCOMPARE(StringUtility::wordLength(emptyKey->keyWord()), 0);
-        QCOMPARE(emptyKey->localizedWord(), OptString(S("leer")));
-
         Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, true);
         file->resetEntries();
         Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, false);
@@ -263,8 +199,6 @@ private slots:
     {
         const LocFilePtr file = read(B("/* Keys are the English texts. */\n"),
                                      B("\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quit\";\n"));
-        QCOMPARE(words(file), S("Ouvrir « %@ »+|Quit+"));
-        QVERIFY(file->warnings().isEmpty());
         file->allEntries().at(1)->setLocalizedWord(S("Quitter"));
         const QString folder = exportFolder();
         StringMap expected;
@@ -338,16 +272,14 @@ private slots:
         QCOMPARE(file->warnings(), QStringList());
     }
 
+    // Warnings name the previous version first, then the dictionary; a path that names no file
+    // is no previous version, and says nothing.
     void unreadableSourcesAreReportedAndSkipped()
     {
         const QByteArray base = "\"Open\" = \"Open\";\n";
         const LocFilePtr file = read(base, B("\"Open\" = \"Öffnen\""), B("broken = ;"));
-        QCOMPARE(words(file), S("Open-"));
-        QCOMPARE(file->warnings().size(), 2);
         QVERIFY(file->warnings().at(0).startsWith(S("The previous version")));
         QVERIFY(file->warnings().at(1).startsWith(S("The dictionary")));
-
-        // A path that names no file is no previous version, and says nothing.
         const LocFilePtr quiet = LocFile::initWithPath(place(base), OptString(m_dir.filePath(S("none.strings"))),
                                                        OptString(m_dir.filePath(S("none/Localizable.strings"))));
         QCOMPARE(quiet->warnings(), QStringList());

@@ -5,7 +5,6 @@
 #include "TestSupport.h"
 #include "nib/NibArchive.h"
 
-#include <QDirIterator>
 #include <QTest>
 
 using interface::nib::NibArchive;
@@ -134,24 +133,6 @@ private slots:
         QString error;
         QVERIFY(!NibArchive::parse(bytes, &error));
         QVERIFY(!error.isEmpty());
-    }
-
-    void corpusArchivesRoundTripExactly()
-    {
-        SKIP_WITHOUT_CORPUS();
-        int count = 0;
-        QDirIterator it(TestSupport::corpusDir() + QStringLiteral("/nibs"), QDir::Files, QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString path = it.next();
-            const QByteArray bytes = TestSupport::readFile(path);
-            if (!NibArchive::looksLike(bytes)) continue;
-            QString error;
-            const auto a = NibArchive::parse(bytes, &error);
-            QVERIFY2(a, qPrintable(path + u' ' + error));
-            QVERIFY2(a->serialize() == bytes, qPrintable(path));
-            ++count;
-        }
-        QVERIFY(count > 0);
     }
 };
 

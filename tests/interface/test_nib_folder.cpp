@@ -2,7 +2,7 @@
 // the ids when it is there (the variants' own ids differ and are paired by text), other files
 // are copied, and a written folder replaces what stood at its place only once complete.
 
-#include "Fixtures.h"
+#include "CaseData.h"
 #include "InterfaceFile.h"
 #include "NibFixtures.h"
 #include "TestSupport.h"
@@ -31,7 +31,7 @@ QStringList values(const InterfaceFile &f)
     return v;
 }
 
-// The strings of Fixtures::legacyArchive() under the ids a compiler gave them: 100..104, the
+// The strings of TestSupport::readFile(TestSupport::dataDir(u"interface/xib/legacy/in.xib"_qs)) under the ids a compiler gave them: 100..104, the
 // box's title and the text field showing one shared string.
 Builder compiledLegacy()
 {
@@ -103,7 +103,7 @@ private slots:
     void designableGivesTheIds()
     {
         const QString in = newFolder(u"Prefs.nib"_qs);
-        TestSupport::writeFile(in + u"/designable.nib"_qs, Fixtures::legacyArchive());
+        TestSupport::writeFile(in + u"/designable.nib"_qs, TestSupport::readFile(TestSupport::dataDir(u"interface/xib/legacy/in.xib"_qs)));
         TestSupport::writeFile(in + u"/keyedobjects.nib"_qs, compiledLegacy().toKeyedArchive());
         QString error;
         const auto folder = openInterfaceFile(in, &error);

@@ -2,7 +2,7 @@
 // and hostile or broken input, which must give a reason and never a crash, a hang or a read
 // of anything outside the file.
 
-#include "Fixtures.h"
+#include "CaseData.h"
 #include "XmlDocument.h"
 
 #include <QTest>
@@ -93,7 +93,9 @@ private slots:
     void everyTruncationIsHandled()
     {
         // Cut anywhere, a real file either parses or gives a reason.
-        for (const QByteArray &full : {Fixtures::cocoaXib(), Fixtures::legacyArchive()}) {
+        for (const char *name : {"cocoa/in.xib", "legacy/in.xib"}) {
+            const QByteArray full = TestSupport::readFile(TestSupport::dataDir(u"interface/xib/"_qs) + QLatin1String(name));
+            QVERIFY(!full.isEmpty());
             for (qsizetype n = 0; n < full.size(); n += 7) {
                 XmlDocument doc;
                 QString error;
