@@ -38,23 +38,19 @@ QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 
 QString decoded(const QString &path) { return decodeTextFileData(readFile(path)).value_or(QString()); }
 
-// An ibtool table's blocks: the comment before each pair and the pair, still escaped.
+// The blocks of an ibtool table: a comment naming an ObjectID just before a pair. Tables of the
+// older tool, keyed by text, have none.
 struct Block {
-    QString comment, key;
+    QString comment, objectId, key, pair;  // key as written (escaped)
 };
-QList<Block> blocksOf(const QString &text)
+QList<Block> ibtoolBlocks(const QString &text)
 {
+    static const QRegularExpression re(S("/\\*([^\\n]*ObjectID = \"([^\"]*)\";[^\\n]*)\\*/\\s*\\n\\s*"
+                                         "(\"((?:[^\"\\\\]|\\\\.)*)\"\\s*=\\s*\"(?:[^\"\\\\]|\\\\.)*\"\\s*;)"));
     QList<Block> blocks;
-    QString comment;
-    for (const QString &raw : text.split(u'\n')) {
-        const QString line = raw.trimmed();
-        if (line.startsWith(u"/*") && line.endsWith(u"*/")) comment = line;
-        else if (line.startsWith(u'"')) {
-            qsizetype i = 1;
-            while (i < line.size() && line[i] != u'"') i += line[i] == u'\\' ? 2 : 1;
-            blocks.append({comment, line.mid(1, i - 1)});
-            comment.clear();
-        } else if (!line.isEmpty()) comment.clear();
+    for (auto it = re.globalMatch(text); it.hasNext();) {
+        const auto m = it.next();
+        blocks.append({m.captured(1), m.captured(2), m.captured(4), m.captured(3)});
     }
     return blocks;
 }
@@ -150,24 +146,22 @@ QStringList sortedValues(const QList<LocalizableString> &strings)
     return v;
 }
 
-// An interface table of a nib: object id, key and value of every pair, or none for a code table.
+// The interface table of a nib (object id, key, value of every pair), or none for a table of
+// the code that shares the nib's name.
 struct TableEntry {
     QString objectId, key, value;
 };
 std::optional<QList<TableEntry>> interfaceTable(const QString &path)
 {
     const auto text = readTextFileAtPath(path);
-    if (!text || !text->contains(u"ObjectID = \"")) return std::nullopt;
-    static const QRegularExpression block(
-        S("/\\*[^\\n]*ObjectID = \"([^\"]*)\";[^\\n]*\\*/\\s*\\n(\"(?:[^\"\\\\]|\\\\.)*\" = \"(?:[^\"\\\\]|\\\\.)*\";)"));
+    if (!text) return std::nullopt;
     QList<TableEntry> entries;
-    for (auto it = block.globalMatch(*text); it.hasNext();) {
-        const auto m = it.next();
-        const auto pair = StringsTable::parse(m.captured(2));
+    for (const Block &b : ibtoolBlocks(*text)) {
+        const auto pair = StringsTable::parse(b.pair);
         if (!pair || pair->isEmpty()) return std::nullopt;
-        entries.append({m.captured(1), pair->pairs().first().first, pair->pairs().first().second});
+        entries.append({b.objectId, pair->pairs().first().first, pair->pairs().first().second});
     }
-    if (entries.size() != text->count(u"\" = \"")) return std::nullopt;
+    if (entries.isEmpty() || entries.size() != text->count(u"\" = \"")) return std::nullopt;
     return entries;
 }
 
@@ -321,10 +315,8 @@ private slots:
         QVERIFY2(file, qPrintable(error));
         QSet<QString> generated;
         for (const LocalizableString &s : file->strings()) generated.insert(s.key());
-        const QList<Block> blocks = blocksOf(decoded(table));
         QStringList misses;
-        for (const Block &b : blocks) {
-            if (!b.comment.contains(u"ObjectID = \"")) continue;  // keyed by text, for the older tool
+        for (const Block &b : ibtoolBlocks(decoded(table))) {
             const auto cls = file->objectClasses().constFind(b.key.section(u'.', 0, 0));
             if (cls == file->objectClasses().constEnd() || generated.contains(b.key)) continue;  // stale, or found
             // An id now naming another kind of object was reused: the table's object is gone.
