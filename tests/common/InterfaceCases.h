@@ -3,6 +3,7 @@
 // it is given, so the names here are string literals that outlive the data function.
 
 #include "CaseData.h"
+#include "LocFile.h"
 
 #include <initializer_list>
 
@@ -25,6 +26,17 @@ inline void addCaseRows(const QString &table, std::initializer_list<const char *
             for (qsizetype i = 1; i <= qsizetype(columns.size()); ++i) r << row[i];
         }
     }
+}
+
+// The localized words of a file's entries with their check marks, "Oui+|Non-"; with keys
+// "key=Oui+|...".
+inline QString entryWords(const LocFilePtr &file, bool withKeys = false)
+{
+    QStringList list;
+    for (const LocEntryPtr &e : file->allEntries())
+        list << (withKeys ? StringUtility::wordOrEmpty(e->keyWord()) + u'=' : QString())
+                    + StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
+    return list.join(u'|');
 }
 
 }  // namespace TestSupport

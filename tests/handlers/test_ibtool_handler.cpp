@@ -3,7 +3,7 @@
 // happens when the tool is missing, fails or hangs. Runs the built vocabrix-ibtool (found
 // through VOCABRIX_TOOLS_DIR) and, for the failures, small stand-in scripts.
 
-#include "CaseData.h"
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "IbtoolHandler.h"
 #include "LocFile.h"
@@ -17,14 +17,6 @@ using namespace TestSupport;
 namespace {
 
 QByteArray xib(const char *name) { return readFile(dataDir(u"handlers/"_qs) + QLatin1String(name)); }
-
-QStringList words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
-    return list;
-}
 
 }  // namespace
 
@@ -103,14 +95,14 @@ private slots:
             "\"Prefs\" = \"Réglages\";\n\"OK\" = \"Valider\";\n\"Name:\" = \"Nom :\";\n");
         const LocFilePtr file = LocFile::initWithPath(path, OptString(dictionary), OptString(previous));
         QCOMPARE(file->initError(), QString());
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Nom :+")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Nom :+"));
         QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Prefs.xib")});
         QCOMPARE(filesIn(dir + QStringLiteral("/Base.lproj")), QStringList{S("Prefs.xib")});
 
         // A dictionary that keeps a word as it is marks the entry done; others stay unchecked.
         const QString same = writeFile(dir + QStringLiteral("/same.strings"), "\"OK\" = \"OK\";\n");
         const LocFilePtr plain = LocFile::initWithPath(path, OptString(same), std::nullopt);
-        QCOMPARE(words(plain), (QStringList{S("Prefs-"), S("OK+"), S("Name:-")}));
+        QCOMPARE(entryWords(plain), S("Prefs-|OK+|Name:-"));
         QCOMPARE(LocFile::initWithPath(path, OptString(S("")), OptString(S("")))->allEntries().size(), 3);
     }
 

@@ -4,7 +4,7 @@
 // or hanging tool as a tool that listed nothing, with a warning. Stand-in scripts play the tool
 // where its output must be exact; the built vocabrix-nibtool runs the whole road once.
 
-#include "CaseData.h"
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "NibtoolHandler.h"
@@ -33,14 +33,6 @@ const char kTranslated[] =
     "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"D'accord\";\n\n"
     "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"Second\";\n\n"
     "/* NSTextField (Name:) : <title:Name:> (oid:21) */\n\"Name:\" = \"\";\n\n";
-
-QStringList words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
-    return list;
-}
 
 }  // namespace
 
@@ -115,7 +107,7 @@ private slots:
         QCOMPARE(announced, 1);
         QCOMPARE(log(), QStringList{m_case + u"|-L -8 Window.nib"_qs});
         QVERIFY(!file->readNoDict);
-        QCOMPARE(words(file), (QStringList{u"Preferences-"_qs, u"OK-"_qs, u"Name:-"_qs, u"Cancel-"_qs}));
+        QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
         // The last block has the form of every other.
         QCOMPARE(file->allEntries().last()->entry(), S("/* NSButton (Cancel) : <title:Cancel> (oid:30) */\n\"Cancel\" = \"Cancel\";"));
         QCOMPARE(file->allEntries().first()->entry(),
@@ -135,7 +127,7 @@ private slots:
                                      m_case + u"|-L -8 Window.nib"_qs}));
         QVERIFY(file->readNoDict);
         QCOMPARE(file->nibResult, OptString(S(kTranslated)));
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel-")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->allEntries()[1]->baseWord(), OptString(u"OK"_qs));
         QCOMPARE(file->status(), u"2/4"_qs);
     }
@@ -149,7 +141,7 @@ private slots:
         QVERIFY(file);
         QCOMPARE(log().first(), m_case + u"|-L -8 -d "_qs + dictionary + u" Window.nib"_qs);
         QCOMPARE(log().size(), 2);
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel+")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel+"));
         QVERIFY(!file->tempDictPath);
     }
 
@@ -181,7 +173,7 @@ private slots:
         QVERIFY2(file->warnings().join(u'\n').contains(reason), qPrintable(file->warnings().join(u'\n')));
         QCOMPARE(file->initError(), QString());
         // A failed translated run leaves the base words; a failed base run, no entries.
-        if (withPrevious) QCOMPARE(words(file), (QStringList{u"Preferences-"_qs, u"OK-"_qs, u"Name:-"_qs, u"Cancel-"_qs}));
+        if (withPrevious) QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
         else QVERIFY(file->allEntries().isEmpty());
     }
 
@@ -241,7 +233,7 @@ private slots:
     {
         const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)});
         QVERIFY(file);
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel-")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->entries().size(), 4);
         QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)}));
     }

@@ -17,13 +17,6 @@ using namespace TestSupport;
 
 namespace {
 QByteArray B(const char *utf8) { return QByteArray(utf8); }
-QString words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
-    return list.join(u'|');
-}
 }  // namespace
 
 class TestStringsHandler : public QObject {
@@ -117,7 +110,7 @@ private slots:
         QFETCH(QString, warnings);
         const auto bytes = [](const QString &f) { return f == u"-" ? QByteArray() : f.toUtf8(); };
         const LocFilePtr file = read(base.toUtf8(), bytes(previous), bytes(dictionary));
-        QCOMPARE(::words(file), words);
+        QCOMPARE(entryWords(file), words);
         QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
     }
 
@@ -291,7 +284,7 @@ private slots:
         QStringEncoder be(QStringConverter::Utf16BE);
         const QByteArray previous = be.encode(S("\"k\" = \"Äpfel\";\n"));
         const LocFilePtr file = read(B("\"k\" = \"Apples\";\n"), previous);
-        QCOMPARE(words(file), S("Äpfel+"));
+        QCOMPARE(entryWords(file), S("Äpfel+"));
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY(file->warnings().first().contains(S("UTF-16 big-endian")));
     }
@@ -338,7 +331,7 @@ private slots:
                                            {{S("OpenKey"), plist::Value::fromString(S("Öffnen"))}})),
                                        name);
         const LocFilePtr file = LocFile::initWithPath(place(bytes, name), OptString(), OptString(previous));
-        QCOMPARE(words(file), S("Öffnen+|Quit \\\"now\\\"-"));
+        QCOMPARE(entryWords(file), S("Öffnen+|Quit \\\"now\\\"-"));
         QCOMPARE(file->warnings(), QStringList());
 
         // Written back as a property list with the base keys, whatever form it came in.
