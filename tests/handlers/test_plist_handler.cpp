@@ -7,7 +7,7 @@
 #include "PlistHandler.h"
 #include "PlistWordEscaping.h"
 #include "PropertyList.h"
-#include "TestSupport.h"
+#include "InterfaceCases.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -155,29 +155,7 @@ private slots:
         QCOMPARE(pairs, want);
     }
 
-    void exportIsAppleXml()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("b")}}));
-        const QString folder = m_dir.filePath(S("xml"));
-        QDir().mkpath(folder);
-        file->makeLocalizedFileAt(folder);
-        const QByteArray xml = TestSupport::readFile(folder + S("/Info.plist"));
-        QVERIFY(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC"));
-        QVERIFY(xml.contains("\n<dict>\n\t<key>a</key>\n\t<string>b</string>\n</dict>\n"));
-    }
-
-    void untranslatedStringsComeBackExactly_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("quotes") << S("Say \"hi\"");
-        QTest::newRow("quote then semicolon") << S("Press \"Return\"; then wait");
-        QTest::newRow("quote then equals") << S("key\" = \"value");
-        QTest::newRow("backslashes") << S("C:\\dir\\new \\\\ \\n \\\"");
-        QTest::newRow("line breaks") << S("one\ntwo\r\nthree\rfour");
-        QTest::newRow("tab and percent") << S("\t%1 %@ %d");
-        QTest::newRow("comment marks") << S("/* a */ */\n\"");
-        QTest::newRow("ends with backslash") << S("trailing\\");
-    }
+    void untranslatedStringsComeBackExactly_data() { TestSupport::addCaseRows(u"handlers/plist-untouched.tsv"_qs, {"text"}); }
     void untranslatedStringsComeBackExactly()
     {
         QFETCH(QString, text);
@@ -193,18 +171,7 @@ private slots:
         QCOMPARE(unescapePlistWord(escapePlistWord(text)), text);
     }
 
-    void typedWordsAreWrittenAsTyped_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("written");
-        QTest::newRow("plain quotes") << S("Sag \"hallo\"") << S("Sag \"hallo\"");
-        QTest::newRow("escaped quotes as shown") << S("Sag \\\"hallo\\\"") << S("Sag \"hallo\"");
-        QTest::newRow("quote then semicolon") << S("\"Eingabe\"; dann") << S("\"Eingabe\"; dann");
-        QTest::newRow("escaped line break") << S("eins\\nzwei") << S("eins\nzwei");
-        QTest::newRow("typed line break") << S("eins\nzwei") << S("eins\nzwei");
-        QTest::newRow("lone backslash") << S("C:\\Ordner") << S("C:\\Ordner");
-        QTest::newRow("non-ASCII") << S("Öffnen…") << S("Öffnen…");
-    }
+    void typedWordsAreWrittenAsTyped_data() { TestSupport::addCaseRows(u"handlers/plist-typed.tsv"_qs, {"typed", "written"}); }
     void typedWordsAreWrittenAsTyped()
     {
         QFETCH(QString, typed);

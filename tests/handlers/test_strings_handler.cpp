@@ -222,14 +222,15 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("warning");  // a piece of the expected warning, or empty for none
-        const QString table = S("/* x */\r\"Å\" = \"Äpfel\";\r\"b\" = \"c\";\r");
+        // An unquoted first key: a byte-order mark taken for part of the first line would break it.
+        const QString table = S("Apfel = \"Äpfel\";\r/* x */\r\"b\" = \"c\";\r");
         QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
         QTest::newRow("UTF-8, CR line ends") << table.toUtf8() << QString();
         QTest::newRow("UTF-8 with mark") << B("\xEF\xBB\xBF") + table.toUtf8() << QString();
         QTest::newRow("UTF-16LE with mark") << B("\xFF\xFE") + QByteArray(le.encode(table)) << QString();
         QTest::newRow("UTF-16BE with mark") << B("\xFE\xFF") + QByteArray(be.encode(table)) << QString();
         QTest::newRow("UTF-16BE without mark") << QByteArray(be(table)) << S("UTF-16 big-endian");
-        QTest::newRow("Mac Roman") << B("\"\x81\" = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
+        QTest::newRow("Mac Roman") << B("Apfel = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
     }
     void encodings()
     {
@@ -237,7 +238,7 @@ private slots:
         QFETCH(QString, warning);
         const LocFilePtr file = read(bytes);
         QCOMPARE(file->allEntries().size(), 2);
-        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Å")));
+        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Apfel")));
         QCOMPARE(file->allEntries().first()->baseWord(), OptString(S("Äpfel")));
         if (warning.isEmpty()) {
             QCOMPARE(file->warnings(), QStringList());
@@ -245,24 +246,6 @@ private slots:
             QCOMPARE(file->warnings().size(), 1);
             QVERIFY2(file->warnings().first().contains(warning), qPrintable(file->warnings().first()));
         }
-    }
-
-    void byteOrderMarkIsNoPartOfTheFirstLine_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        const QString table = S("CFBundleName = \"Wien\";\n");
-        QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
-        QTest::newRow("UTF-8") << B("\xEF\xBB\xBF") + table.toUtf8();
-        QTest::newRow("UTF-16LE") << B("\xFF\xFE") + QByteArray(le.encode(table));
-        QTest::newRow("UTF-16BE") << B("\xFE\xFF") + QByteArray(be.encode(table));
-    }
-    void byteOrderMarkIsNoPartOfTheFirstLine()
-    {
-        QFETCH(QByteArray, bytes);
-        const LocFilePtr file = read(bytes);
-        QCOMPARE(file->allEntries().size(), 1);
-        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("CFBundleName")));
-        QCOMPARE(file->warnings(), QStringList());
     }
 
     // Warnings name the previous version first, then the dictionary; a path that names no file
@@ -347,7 +330,6 @@ private slots:
 
     void headerLine()
     {
-        QCOMPARE(stringsHandle::plistHeader(), S("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
         QVERIFY(stringsHandle::isPropertyListTable("bplist00", QString()));
         QVERIFY(!stringsHandle::isPropertyListTable("\"a\" = \"<?xml\";", S("\"a\" = \"<?xml\";")));
         QVERIFY(!stringsHandle::isPropertyListTable("{", S("{")));
