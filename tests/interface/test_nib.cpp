@@ -72,8 +72,8 @@ QStringList values(const InterfaceFile &f)
     return v;
 }
 
-// The strings of TestSupport::readFile(TestSupport::dataDir(u"interface/xib/legacy/in.xib"_qs)) under the ids a compiler gave them: 100..104, the
-// box's title and the text field showing one shared string.
+// The strings of the legacy xib case under the ids a compiler gave them: 100..104, the box's
+// title and the text field showing one shared string.
 Builder compiledLegacy()
 {
     Builder b;
