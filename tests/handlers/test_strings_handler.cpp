@@ -114,7 +114,7 @@ private slots:
         QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
     }
 
-    // Words of empty keys and values are in the source table; here: hiding empty words, export.
+    // Words of empty keys and values are in the source table and the export cases; here: hiding them.
     void emptyKeysAndValues()
     {
         const LocFilePtr file = read(B("\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n"), B("\"\" = \"leer\";"));
@@ -124,52 +124,33 @@ private slots:
         Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, false);
         QCOMPARE(file->entries().size(), 2);
         QCOMPARE(file->entries().first(), emptyKey);
-
-        const QString folder = exportFolder();
-        file->makeLocalizedFileAt(folder);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 B("\"a\" = \"\";\n\"\" = \"leer\";\n\"\" = \"leer\";\n"));
     }
 
-    // Export is the base table with the changed values replaced: comments, blank lines, order,
-    // spacing and untranslated values keep their bytes.
-    void exportKeepsTheBaseLayout()
+    // Export: the base table (base/) read with previous.strings if there, the words of edits.tsv
+    // typed, must give expected/ byte for byte (comments, blank lines, order, spacing and
+    // untranslated values keep their bytes) and, with pairs.tsv, exactly those pairs: only the
+    // translator's work, a word changed or confirmed by a check mark, never an empty word.
+    void exports_data() { addGoldenRows(u"handlers/strings-export"_qs); }
+    void exports()
     {
-        const QByteArray base = "/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Open\";\n\n\"Quote\" = \"a \\\"b\\\"\";\n"
-                                "\"Lines\" = \"one\ntwo\";\n\"Short\";\nunquoted = word; // trailing\n";
-        const LocFilePtr file = read(base);
-        QCOMPARE(file->allEntries().size(), 5);
-        const QString untouched = exportFolder();
-        file->makeLocalizedFileAt(untouched);
-        QCOMPARE(TestSupport::readFile(untouched + S("/Localizable.strings")), base);
-
-        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
-        file->allEntries().at(1)->setLocalizedWord(S("ein \"b\""));
-        file->allEntries().at(3)->setLocalizedWord(S("Abbrechen"));
-        file->allEntries().at(4)->setLocalizedWord(S("Wort"));
+        QFETCH(QString, dir);
+        const QDir d(dir);
+        const QString name = QDir(d.filePath(u"base"_qs)).entryList(QDir::Files).value(0);
+        const OptString previous = d.exists(u"previous.strings"_qs) ? OptString(d.filePath(u"previous.strings"_qs)) : OptString();
+        const LocFilePtr file = LocFile::initWithPath(d.filePath(u"base/"_qs + name), OptString(), previous);
+        const auto edits = d.exists(u"edits.tsv"_qs) ? readCaseTable(d.filePath(u"edits.tsv"_qs), 2) : QList<QStringList>();
+        for (const QStringList &edit : edits) {
+            const LocEntryPtr e = file->allEntries().at(edit[0].toInt());
+            if (edit[1] == u"+") e->setCheck(true);
+            else e->setLocalizedWord(edit[1]);
+        }
         const QString folder = exportFolder();
-        file->makeLocalizedFileAt(folder);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 S("/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Öffnen\";\n\n\"Quote\" = \"ein \\\"b\\\"\";\n"
-                   "\"Lines\" = \"one\ntwo\";\n\"Short\" = \"Abbrechen\";\nunquoted = \"Wort\"; // trailing\n").toUtf8());
-    }
-
-    // The dictionary learns base word to localized word, and only the translator's work: a word
-    // changed, or one confirmed by a check mark; never an empty word, never an untouched one.
-    void exportReturnsOnlyTranslatorPairs()
-    {
-        const QByteArray base = "\"button.open\" = \"Open\";\n\"button.ok\" = \"OK\";\n\"button.cancel\" = \"Cancel\";\n"
-                                "\"quote\" = \"a \\\"b\\\"\";\n\"emptied\" = \"Gone\";\n";
-        const LocFilePtr file = read(base);
-        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
-        file->allEntries().at(1)->setCheck(true);
-        file->allEntries().at(3)->setLocalizedWord(S("ein \"b\""));
-        file->allEntries().at(4)->setLocalizedWord(QString());
+        const StringMap pairs = file->makeLocalizedFileAt(folder);
+        QVERIFY(compareBytes(readFile(folder + u'/' + name), d.filePath(u"expected/"_qs + name)));
+        if (!d.exists(u"pairs.tsv"_qs)) return;
         StringMap expected;
-        expected.insert(S("Open"), S("Öffnen"));
-        expected.insert(S("OK"), S("OK"));
-        expected.insert(S("a \"b\""), S("ein \"b\""));
-        QCOMPARE(file->makeLocalizedFileAt(exportFolder()), expected);
+        for (const QStringList &pair : readCaseTable(d.filePath(u"pairs.tsv"_qs), 2)) expected.insert(pair[0], pair[1]);
+        QCOMPARE(pairs, expected);
     }
 
     void entriesFollowTheBaseTableByKey()
@@ -184,31 +165,6 @@ private slots:
         file->makeLocalizedFileAt(folder);
         QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")), B("\"new\" = \"N\";\n\"b\" = \"2\";\n\"a\" = \"1\";\n"));
         QVERIFY2(file->warnings().join(u'\n').contains(S("1 entry is")), qPrintable(file->warnings().join(u'\n')));
-    }
-
-    // An application keyed by its English texts ships a base table of comments only: its words
-    // are the previous version's, and export must not write them away.
-    void tableWithoutPairsTakesThePreviousPairs()
-    {
-        const LocFilePtr file = read(B("/* Keys are the English texts. */\n"),
-                                     B("\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quit\";\n"));
-        file->allEntries().at(1)->setLocalizedWord(S("Quitter"));
-        const QString folder = exportFolder();
-        StringMap expected;
-        expected.insert(S("Open \"%@\""), S("Ouvrir « %@ »"));
-        expected.insert(S("Quit"), S("Quitter"));
-        QCOMPARE(file->makeLocalizedFileAt(folder), expected);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 S("/* Keys are the English texts. */\n\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quitter\";\n").toUtf8());
-    }
-
-    void infoPlistTableReturnsNoPairs()
-    {
-        const LocFilePtr file = read(B("CFBundleName = \"Vienna\";\n"), {}, {}, S("InfoPlist.strings"));
-        file->allEntries().first()->setLocalizedWord(S("Wien"));
-        const QString folder = exportFolder();
-        QVERIFY(file->makeLocalizedFileAt(folder).isEmpty());
-        QCOMPARE(TestSupport::readFile(folder + S("/InfoPlist.strings")), B("CFBundleName = \"Wien\";\n"));
     }
 
     void failedWriteIsReported()
