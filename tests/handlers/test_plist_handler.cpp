@@ -93,44 +93,23 @@ private slots:
         QCOMPARE(file->warnings(), QStringList());
     }
 
-    void dictionaryWinsThenPreviousByPlace()
+    void sources_data()
     {
-        const Value base = dict({{S("A"), str("Open")},
-                                 {S("B"), str("Save")},
-                                 {S("List"), arr({str("One"), str("Two"), str("Three")})},
-                                 {S("Sub"), dict({{S("X"), str("Quit")}})},
-                                 {S("C"), str("Close")}});
-        const Value previous = dict({{S("C"), str("Schließen")},            // order does not matter
-                                     {S("A"), str("Öffnen")},               // the dictionary beats it
-                                     {S("B"), str("Sichern")},
-                                     {S("List"), arr({str("Eins"), Value::fromInteger(2)})},  // shorter, a number
-                                     {S("Sub"), arr({str("Beenden")})},      // another kind at that place
-                                     {S("Save"), str("by text: never")}});
-        const LocFilePtr file = read(base, previous, "\"Open\" = \"Aufmachen\";\n\"Three\" = \"Drei\";\n");
-        QCOMPARE(words(file), S("Aufmachen+|Sichern+|Eins+|Two-|Drei+|Quit-|Schließen+"));
-        QCOMPARE(file->status(), S("5/7"));
+        TestSupport::addCaseRows(u"handlers/plist-sources.tsv"_qs, {"base", "previous", "dictionary", "words", "warnings"});
     }
-
-    void previousArrayRoot()
+    void sources()
     {
-        const LocFilePtr file = read(arr({str("a"), dict({{S("k"), str("b")}})}),
-                                     arr({str("A"), dict({{S("k"), str("B")}})}));
-        QCOMPARE(words(file), S("A+|B+"));
-    }
-
-    void wordEqualToBaseStillChecks()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("OK")}, {S("b"), str("Cancel")}}),
-                                     dict({{S("a"), str("OK")}}));
-        QCOMPARE(words(file), S("OK+|Cancel-"));
-    }
-
-    void previousOfAnotherKindIsReported()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("x")}}), arr({str("y")}));
-        QCOMPARE(words(file), S("x-"));
-        QCOMPARE(file->warnings().size(), 1);
-        QVERIFY(file->warnings().first().contains(S("previous version")));
+        QFETCH(QString, base);
+        QFETCH(QString, previous);
+        QFETCH(QString, dictionary);
+        QFETCH(QString, words);
+        QFETCH(QString, warnings);
+        const LocFilePtr file = LocFile::initWithPath(place(base.toUtf8()), dictionary == u"-" ? OptString()
+                                                      : OptString(place(dictionary.toUtf8(), S("en-de.strings"))),
+                                                      OptString(place(previous.toUtf8())));
+        QCOMPARE(::words(file), words);
+        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
+        if (warnings.toInt()) QVERIFY(file->warnings().first().contains(S("previous version")));
     }
 
     void exportReplacesStringsOnly()
