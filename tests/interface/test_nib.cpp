@@ -301,7 +301,8 @@ private slots:
         t.insert(u"5.title"_qs, u"Réglages"_qs);
         t.insert(u"77.title"_qs, u"?"_qs);
         QString error;
-        QVERIFY(nib->write(dir.filePath(u"W.nib"_qs), t, &error));
+        TestSupport::writeFile(dir.filePath(u"W.nib"_qs), "an older copy");
+        QVERIFY(TestSupport::writesAtomically(dir.filePath(u"W.nib"_qs), [&] { return nib->write(dir.filePath(u"W.nib"_qs), t, &error); }));
         QCOMPARE(nib->warnings().size(), 1);
         QVERIFY(nib->warnings().first().contains(u"77.title"_qs));
         const auto back = CompiledNib::open(dir.filePath(u"W.nib"_qs), &error);
