@@ -18,7 +18,6 @@ using namespace TestSupport;
 namespace {
 
 QString xibData(const char *name) { return dataDir(u"interface/xib/"_qs) + QLatin1String(name); }
-QString toolData(const QString &name) { return dataDir(u"interface/tools/"_qs) + name; }
 
 QString utf16Text(const QByteArray &bytes)
 {
@@ -62,73 +61,47 @@ private slots:
         fr.insert(u"13.title"_qs, u"D'accord"_qs);
         fr.insert(u"21.title"_qs, u"Nom :"_qs);
         m_box.write(u"fr/Window.nib"_qs, base->localizedData(fr));
+        m_box.write(u"fr.strings"_qs, utf16le(u"\n/* c */\n\"1.title\" = \"Préférences\";\n\"404.title\" = \"gone\";\n"_qs));
+        m_box.write(u"de.strings"_qs, "\"1.title\" = \"Einstellungen\";\n\"11.title\" = \"Gut\";\n");
+        m_box.write(u"Old.nib/designable.nib"_qs, readFile(xibData("legacy/in.xib")));
+        m_box.write(u"old.strings"_qs, "\"5.title\" = \"Réglages\";");
+        QDir().mkpath(path(u"out"_qs));
         m_box.write(u"dict.strings"_qs, "\"Name:\" = \"Nom (dictionnaire)\";\n\"Options\" = \"Réglages\";\n\"Left\" = \"Gauche\";\n");
     }
 
-    void ibtoolGeneratesTheTable_data()
+    // Each run's output against its expected file; UTF-16 output (tables) is compared as text.
+    void runs_data() { addCaseRows(u"interface/tools/runs.tsv"_qs, {"tool", "args", "written", "golden", "warning"}); }
+    void runs()
     {
-        QTest::addColumn<QStringList>("args");
-        QTest::newRow("ibtool's spelling") << QStringList{u"--generate-strings-file"_qs, u"out.strings"_qs, u"Prefs.xib"_qs};
-        QTest::newRow("older spelling") << QStringList{u"--generate-stringsfile"_qs, u"out.strings"_qs, u"Prefs.xib"_qs};
-        QTest::newRow("document first") << QStringList{u"Prefs.xib"_qs, u"--generate-strings-file"_qs, u"out.strings"_qs};
-    }
-    void ibtoolGeneratesTheTable()
-    {
-        QFETCH(QStringList, args);
-        QFile::remove(path(u"out.strings"_qs));
-        const Run r = run(args, "vocabrix-ibtool");
-        QCOMPARE(r.exitCode, 0);
-        QVERIFY2(r.out.contains("<dict/>"), r.out.constData());
-        QCOMPARE(utf16Text(m_box.read(u"out.strings"_qs)), QString::fromUtf8(readFile(xibData("cocoa/table.strings"))));
-    }
-
-    // A UTF-16 table as ibtool writes it, and a UTF-8 one as projects keep them; a key the file
-    // lacks is reported, not a failure.
-    void ibtoolMergesATable()
-    {
-        m_box.write(u"fr.strings"_qs, utf16le(u"\n/* c */\n\"1.title\" = \"Préférences\";\n\"404.title\" = \"gone\";\n"_qs));
-        m_box.write(u"de.strings"_qs, "\"1.title\" = \"Einstellungen\";\n\"11.title\" = \"Gut\";\n");
-        QDir().mkpath(path(u"out"_qs));
-        Run r = run({u"Prefs.xib"_qs, u"--strings-file"_qs, u"fr.strings"_qs, u"--write"_qs, path(u"out/Prefs.xib"_qs)},
-                    "vocabrix-ibtool");
-        QCOMPARE(r.exitCode, 0);
-        QVERIFY2(r.err.contains("404.title"), r.err.constData());
-        QByteArray expected = readFile(xibData("cocoa/in.xib"));
-        expected.replace("Prefs &amp; More", "Pr\xC3\xA9" "f\xC3\xA9rences");
-        QCOMPARE(m_box.read(u"out/Prefs.xib"_qs), expected);
-
-        r = run({u"--strings-file"_qs, u"de.strings"_qs, u"--write"_qs, u"de.xib"_qs, u"--generate-strings-file"_qs,
-                 u"base.strings"_qs, u"Prefs.xib"_qs},
-                "vocabrix-ibtool");
-        QCOMPARE(r.exitCode, 0);
-        const QByteArray de = m_box.read(u"de.xib"_qs);
-        QVERIFY(de.contains("title=\"Einstellungen\"") && de.contains("title=\"Gut\""));
-        QCOMPARE(utf16Text(m_box.read(u"base.strings"_qs)), QString::fromUtf8(readFile(xibData("cocoa/table.strings"))));
+        QFETCH(QString, tool);
+        QFETCH(QString, args);
+        QFETCH(QString, written);
+        QFETCH(QString, golden);
+        QFETCH(QString, warning);
+        if (written != u"-") QFile::remove(path(written));
+        const Run r = run(args.split(u' '), qPrintable(tool));
+        QVERIFY2(r.exitCode == 0, r.err.constData());
+        if (warning.isEmpty()) QVERIFY2(r.err.isEmpty(), r.err.constData());
+        else QVERIFY2(QString::fromUtf8(r.err).contains(warning), r.err.constData());
+        if (tool == u"vocabrix-ibtool") QVERIFY2(r.out.contains("<dict/>"), r.out.constData());
+        const QByteArray out = written == u"-" ? r.out : m_box.read(written);
+        const QString text = out.startsWith("\xFF\xFE") ? utf16Text(out) : QString::fromUtf8(out);
+        QVERIFY(compareText(text, dataDir(u"interface/"_qs) + golden));
     }
 
-    void ibtoolReadsNibFolderDesignable()
+    // Without -8 the older tool writes UTF-16 big-endian with a mark.
+    void nibtoolWritesUtf16Unless8()
     {
-        m_box.write(u"Old.nib/designable.nib"_qs, readFile(xibData("legacy/in.xib")));
-        m_box.write(u"old.strings"_qs, "\"5.title\" = \"Réglages\";");
-        Run r = run({u"--generate-strings-file"_qs, u"o.strings"_qs, u"Old.nib"_qs}, "vocabrix-ibtool");
-        QCOMPARE(r.exitCode, 0);
-        QVERIFY(utf16Text(m_box.read(u"o.strings"_qs)).contains(u"\"5.title\" = \"Preferences\";"_qs));
-        QDir().mkpath(path(u"fr"_qs));
-        r = run({u"Old.nib"_qs, u"--strings-file"_qs, u"old.strings"_qs, u"--write"_qs, u"fr/Old.nib"_qs}, "vocabrix-ibtool");
-        QCOMPARE(r.exitCode, 0);
-        QVERIFY(m_box.read(u"fr/Old.nib/designable.nib"_qs).contains("R\xC3\xA9glages"));
+        const Run utf16 = run({u"-L"_qs, u"Window.nib"_qs}), utf8 = run({u"-L"_qs, u"-8"_qs, u"Window.nib"_qs});
+        QVERIFY(utf16.out.startsWith("\xFE\xFF"));
+        QCOMPARE(QString(QStringDecoder(QStringDecoder::Utf16BE)(utf16.out.mid(2))), QString::fromUtf8(utf8.out));
     }
 
     // The newer tool's table and merge on a compiled nib, keyed by object id: a shared text
     // translated for one of its users only.
     void ibtoolTakesCompiledNibs()
     {
-        QCOMPARE(run({u"--generate-strings-file"_qs, u"ib.strings"_qs, u"Window.nib"_qs}, "vocabrix-ibtool").exitCode, 0);
         QString error;
-        const auto table = readStringsTable(path(u"ib.strings"_qs), &error);
-        QVERIFY2(table, qPrintable(error));
-        QCOMPARE(table->value(u"13.title"_qs), u"OK"_qs);
-        QCOMPARE(table->size(), 12);
         m_box.write(u"ib-fr.strings"_qs, "\"13.title\" = \"Valider\";\n");
         const Run merged = run({u"Window.nib"_qs, u"--strings-file"_qs, u"ib-fr.strings"_qs, u"--write"_qs, path(u"ib-out.nib"_qs)},
                                "vocabrix-ibtool");
@@ -137,33 +110,6 @@ private slots:
         QVERIFY2(written, qPrintable(error));
         QCOMPARE(valuesOf(*written).value(u"13.title"_qs), u"Valider"_qs);
         QCOMPARE(valuesOf(*written).value(u"11.title"_qs), u"OK"_qs);
-    }
-
-    // The older tool's listing: one block per text in code-unit order; with -I each object's
-    // word from the previous version, with -d the rest by text (-I first). UTF-16 unless -8.
-    void nibtoolListings_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<QString>("golden");
-        QTest::newRow("plain") << QStringList{u"-L"_qs, u"-8"_qs, u"Window.nib"_qs} << u"listing.strings"_qs;
-        QTest::newRow("previous version and dictionary")
-            << QStringList{u"-L"_qs, u"-8"_qs, u"-I"_qs, u"fr/Window.nib"_qs, u"-d"_qs, u"dict.strings"_qs, u"Window.nib"_qs}
-            << u"listing-previous-dictionary.strings"_qs;
-        QTest::newRow("unreadable previous version left out")
-            << QStringList{u"-L"_qs, u"-8"_qs, u"-I"_qs, u"nowhere/Window.nib"_qs, u"Window.nib"_qs} << u"listing.strings"_qs;
-    }
-    void nibtoolListings()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(QString, golden);
-        const Run r = run(args);
-        QCOMPARE(r.exitCode, 0);
-        QCOMPARE(r.err.contains("warning"), args.contains(u"nowhere/Window.nib"_qs));
-        QVERIFY(compareText(QString::fromUtf8(r.out), toolData(golden)));
-        if (args.size() > 3) return;
-        const Run utf16 = run({u"-L"_qs, u"Window.nib"_qs});
-        QVERIFY(utf16.out.startsWith("\xFE\xFF"));
-        QCOMPARE(QString(QStringDecoder(QStringDecoder::Utf16BE)(utf16.out.mid(2))), QString::fromUtf8(r.out));
     }
 
     // Merge by text: every string with a table key's text takes its value, shared or not.
