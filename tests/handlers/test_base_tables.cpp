@@ -3,6 +3,7 @@
 // list) and exports such a table in the same form; .stringsdict files give entries for their
 // texts only and export whole. Runs the built vocabrix-ibtool (through VOCABRIX_TOOLS_DIR).
 
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "PropertyList.h"
@@ -11,25 +12,11 @@
 
 #include <QTest>
 
+using TestSupport::S;
+
 namespace {
 
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
-
-const QByteArray kXib =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<document type=\"com.apple.InterfaceBuilder3.Cocoa.XIB\" version=\"3.0\">\n"
-    "  <objects>\n"
-    "    <window title=\"Preferences\" id=\"1\">\n"
-    "      <view key=\"contentView\" id=\"2\">\n"
-    "        <subviews>\n"
-    "          <button id=\"10\"><buttonCell key=\"cell\" title=\"OK\" id=\"11\"/></button>\n"
-    "          <textField id=\"20\"><textFieldCell key=\"cell\" title=\"Name:\" id=\"Ab1-cd-EF2\"/></textField>\n"
-    "          <textField id=\"30\"><textFieldCell key=\"cell\" title=\"Say &quot;hi&quot;\" id=\"Qz9-xx-001\"/></textField>\n"
-    "        </subviews>\n"
-    "      </view>\n"
-    "    </window>\n"
-    "  </objects>\n"
-    "</document>\n";
+QByteArray data(const char *name) { return TestSupport::readFile(TestSupport::dataDir(u"handlers/"_qs) + QLatin1String(name)); }
 
 // The previous release's French table: one key translated, one the same as the base, one stale;
 // the name field and the quoted text are missing.
@@ -40,11 +27,7 @@ const char *kPreviousTable = "/* Class = \"NSWindow\"; title = \"Preferences\"; 
 
 QByteArray encoded(const QString &form, const QString &text)
 {
-    if (form == QLatin1String("utf16")) {
-        QByteArray bytes("\xFF\xFE", 2);
-        for (QChar c : text) bytes.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
-        return bytes;
-    }
+    if (form == QLatin1String("utf16")) return TestSupport::utf16le(text);
     if (form == QLatin1String("binary")) {
         plist::Dictionary dict;
         const std::optional<StringMap> pairs = StringsTable::parse(text);
@@ -53,39 +36,6 @@ QByteArray encoded(const QString &form, const QString &text)
     }
     return text.toUtf8();
 }
-
-QStringList words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->keyWord()) + u'=' + StringUtility::wordOrEmpty(e->localizedWord())
-                    + (e->isChecked() ? u'+' : u'-');
-    return list;
-}
-
-const QByteArray kStringsdict =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\"><dict>\n"
-    "<key>%d articles</key><dict>\n"
-    "  <key>NSStringLocalizedFormatKey</key><string>%#@articles@ in \"%@\"</string>\n"
-    "  <key>articles</key><dict>\n"
-    "    <key>NSStringFormatSpecTypeKey</key><string>NSStringPluralRuleType</string>\n"
-    "    <key>NSStringFormatValueTypeKey</key><string>d</string>\n"
-    "    <key>one</key><string>%d article</string>\n"
-    "    <key>other</key><string>%d articles</string>\n"
-    "  </dict>\n"
-    "</dict>\n"
-    "<key>unread</key><dict>\n"
-    "  <key>NSStringLocalizedFormatKey</key><string>%#@n@</string>\n"
-    "  <key>n</key><dict>\n"
-    "    <key>NSStringFormatSpecTypeKey</key><string>NSStringPluralRuleType</string>\n"
-    "    <key>NSStringFormatValueTypeKey</key><string>ld</string>\n"
-    "    <key>zero</key><string>No unread</string>\n"
-    "    <key>other</key><string>%ld unread</string>\n"
-    "  </dict>\n"
-    "</dict>\n"
-    "</dict></plist>\n";
 
 }  // namespace
 
@@ -112,32 +62,29 @@ private slots:
     {
         QTest::addColumn<QString>("form");        // the previous release's table: utf8, utf16, binary, none
         QTest::addColumn<QString>("dictionary");  // a dictionary table, or empty
-        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QString>("expected");
         QTest::addColumn<QByteArray>("exportedStart");
-        const QStringList fromTable{S("1.title=Préférences+"), S("11.title=OK+"), S("Ab1-cd-EF2.title=Name:-"),
-                                    S("Qz9-xx-001.title=Say \\\"hi\\\"-")};
+        const QString fromTable = S("1.title=Préférences+|11.title=OK+|Ab1-cd-EF2.title=Name:-|Qz9-xx-001.title=Say \\\"hi\\\"-");
         QTest::newRow("UTF-8 table") << "utf8" << QString() << fromTable << QByteArray("\n/* Class = \"NSWindow\";");
         QTest::newRow("UTF-16 table") << "utf16" << QString() << fromTable << QByteArray("\xFF\xFE\n\0/\0", 6);
         QTest::newRow("binary table") << "binary" << QString() << fromTable << QByteArray("bplist00");
         QTest::newRow("table first, dictionary for the rest")
             << "utf8" << S("\"Name:\" = \"Nom :\";\n\"OK\" = \"D'accord\";\n")
-            << QStringList{S("1.title=Préférences+"), S("11.title=OK+"), S("Ab1-cd-EF2.title=Nom :+"),
-                           S("Qz9-xx-001.title=Say \\\"hi\\\"-")}
+            << S("1.title=Préférences+|11.title=OK+|Ab1-cd-EF2.title=Nom :+|Qz9-xx-001.title=Say \\\"hi\\\"-")
             << QByteArray("\n/*");
         QTest::newRow("no previous release: still a table")
             << "none" << QString()
-            << QStringList{S("1.title=Preferences-"), S("11.title=OK-"), S("Ab1-cd-EF2.title=Name:-"),
-                           S("Qz9-xx-001.title=Say \\\"hi\\\"-")}
+            << S("1.title=Preferences-|11.title=OK-|Ab1-cd-EF2.title=Name:-|Qz9-xx-001.title=Say \\\"hi\\\"-")
             << QByteArray("\n/*");
     }
     void interfaceFileWithPreviousTable()
     {
         QFETCH(QString, form);
         QFETCH(QString, dictionary);
-        QFETCH(QStringList, expected);
+        QFETCH(QString, expected);
         QFETCH(QByteArray, exportedStart);
         const QString dir = folder();
-        const QString base = TestSupport::writeFile(dir + QLatin1String("/New.app/Base.lproj/Prefs.xib"), kXib);
+        const QString base = TestSupport::writeFile(dir + QLatin1String("/New.app/Base.lproj/Prefs.xib"), data("base-prefs.xib"));
         const QString previous = dir + QLatin1String("/Old.app/fr.lproj/Prefs.strings");
         if (form != QLatin1String("none")) TestSupport::writeFile(previous, encoded(form, S(kPreviousTable)));
         OptString dictPath;
@@ -146,7 +93,7 @@ private slots:
         const LocFilePtr file = LocFile::initWithPath(base, dictPath, previous);
         QVERIFY(file);
         QVERIFY2(file->initError().isEmpty(), qPrintable(file->initError()));
-        QCOMPARE(words(file), expected);
+        QCOMPARE(TestSupport::entryWords(file, true), expected);
 
         file->allEntries().at(3)->setLocalizedWord(S("Dites « salut »"));
         const QString out = dir + QLatin1String("/Out.app/fr.lproj");
@@ -189,35 +136,33 @@ private slots:
     void stringsdictEntriesAndExport_data()
     {
         QTest::addColumn<QByteArray>("previous");
-        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QString>("expected");
         QTest::newRow("no previous release")
             << QByteArray()
-            << QStringList{S("%d articles/NSStringLocalizedFormatKey=%#@articles@ in \\\"%@\\\"-"),
-                           S("%d articles/articles/one=%d article-"), S("%d articles/articles/other=%d articles-"),
-                           S("unread/NSStringLocalizedFormatKey=%#@n@-"), S("unread/n/zero=No unread-"),
-                           S("unread/n/other=%ld unread-")};
-        QByteArray german = kStringsdict;
+            << S("%d articles/NSStringLocalizedFormatKey=%#@articles@ in \\\"%@\\\"-|%d articles/articles/one=%d article-|"
+                 "%d articles/articles/other=%d articles-|unread/NSStringLocalizedFormatKey=%#@n@-|"
+                 "unread/n/zero=No unread-|unread/n/other=%ld unread-");
+        QByteArray german = data("articles.stringsdict");
         german.replace("<string>%d article</string>", "<string>%d Artikel</string>")
             .replace("<string>No unread</string>", "<string>Nichts Ungelesenes</string>");
         german.replace("<key>other</key><string>%ld unread</string>", "");
         QTest::newRow("previous release by place, checked")
             << german
-            << QStringList{S("%d articles/NSStringLocalizedFormatKey=%#@articles@ in \\\"%@\\\"+"),
-                           S("%d articles/articles/one=%d Artikel+"), S("%d articles/articles/other=%d articles+"),
-                           S("unread/NSStringLocalizedFormatKey=%#@n@+"), S("unread/n/zero=Nichts Ungelesenes+"),
-                           S("unread/n/other=%ld unread-")};
+            << S("%d articles/NSStringLocalizedFormatKey=%#@articles@ in \\\"%@\\\"+|%d articles/articles/one=%d Artikel+|"
+                 "%d articles/articles/other=%d articles+|unread/NSStringLocalizedFormatKey=%#@n@+|"
+                 "unread/n/zero=Nichts Ungelesenes+|unread/n/other=%ld unread-");
     }
     void stringsdictEntriesAndExport()
     {
         QFETCH(QByteArray, previous);
-        QFETCH(QStringList, expected);
+        QFETCH(QString, expected);
         const QString dir = folder();
-        const QString base = TestSupport::writeFile(dir + QLatin1String("/Base.lproj/Localizable.stringsdict"), kStringsdict);
+        const QString base = TestSupport::writeFile(dir + QLatin1String("/Base.lproj/Localizable.stringsdict"), data("articles.stringsdict"));
         OptString prevPath;
         if (!previous.isEmpty()) prevPath = TestSupport::writeFile(dir + QLatin1String("/de.lproj/Localizable.stringsdict"), previous);
         const LocFilePtr file = LocFile::initWithPath(base, std::nullopt, prevPath);
         QVERIFY(file);
-        QCOMPARE(words(file), expected);
+        QCOMPARE(TestSupport::entryWords(file, true), expected);
 
         file->allEntries().at(2)->setLocalizedWord(S("%d \"Artikel\""));
         const QString out = dir + QLatin1String("/out");

@@ -3,61 +3,20 @@
 // happens when the tool is missing, fails or hangs. Runs the built vocabrix-ibtool (found
 // through VOCABRIX_TOOLS_DIR) and, for the failures, small stand-in scripts.
 
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "IbtoolHandler.h"
 #include "LocFile.h"
 #include "NotificationCenter.h"
-#include "TestSupport.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace TestSupport;
+
 namespace {
 
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
-
-QByteArray xib(const char *window, const char *button, const char *field)
-{
-    return QByteArray(
-               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-               "<document type=\"com.apple.InterfaceBuilder3.Cocoa.XIB\" version=\"3.0\">\n"
-               "    <objects>\n"
-               "        <window title=\"")
-           + window
-           + "\" id=\"1\">\n"
-             "            <view key=\"contentView\" id=\"2\">\n"
-             "                <subviews>\n"
-             "                    <button id=\"10\">\n"
-             "                        <buttonCell key=\"cell\" title=\""
-           + button
-           + "\" id=\"11\"/>\n"
-             "                    </button>\n"
-             "                    <textField id=\"20\">\n"
-             "                        <textFieldCell key=\"cell\" title=\""
-           + field
-           + "\" id=\"Ab1-cd-EF2\"/>\n"
-             "                    </textField>\n"
-             "                </subviews>\n"
-             "            </view>\n"
-             "        </window>\n"
-             "    </objects>\n"
-             "</document>\n";
-}
-
-QByteArray utf16(const QString &text)
-{
-    QByteArray bytes("\xFF\xFE", 2);
-    for (QChar c : text) bytes.append(char(c.unicode() & 0xFF)).append(char(c.unicode() >> 8));
-    return bytes;
-}
-
-QStringList words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
-    return list;
-}
+QByteArray xib(const char *name) { return readFile(dataDir(u"handlers/"_qs) + QLatin1String(name)); }
 
 }  // namespace
 
@@ -76,10 +35,8 @@ class TestIbtoolHandler : public QObject {
     // A stand-in tool: logs "working directory|arguments" to a file, then runs `body`.
     QString fakeTool(const QString &in, const QByteArray &body)
     {
-        const QString path = QDir(in).filePath(QStringLiteral("fake-ibtool"));
-        TestSupport::writeFile(path, "#!/bin/sh\necho \"$PWD|$*\" >> \"" + QDir(in).filePath(QStringLiteral("log")).toUtf8()
-                                         + "\"\n" + body + "\n");
-        QFile::setPermissions(path, QFile::permissions(path) | QFileDevice::ExeOwner);
+        const QString path = writeFakeTool(QDir(in).filePath(u"fake-ibtool"_qs),
+                                           "echo \"$PWD|$*\" >> \"" + QDir(in).filePath(u"log"_qs).toUtf8() + "\"\n" + body);
         qputenv("VOCABRIX_IBTOOL", path.toUtf8());
         return path;
     }
@@ -92,11 +49,10 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_dir.isValid());
-        TestSupport::isolate(m_dir);
+        isolate(m_dir);
         qunsetenv("VOCABRIX_SYSTEM_VERSION");
         registerResourceHandlers();
-        const QString tool = QDir(qEnvironmentVariable("VOCABRIX_TOOLS_DIR")).filePath(QStringLiteral("vocabrix-ibtool"));
-        if (!QFileInfo(tool).isExecutable()) QFAIL("vocabrix-ibtool is not built (VOCABRIX_TOOLS_DIR)");
+        if (!QFileInfo(toolPath(u"vocabrix-ibtool"_qs)).isExecutable()) QFAIL("vocabrix-ibtool is not built (VOCABRIX_TOOLS_DIR)");
     }
 
     void cleanup()
@@ -108,7 +64,7 @@ private slots:
     void readsOneEntryPerBlock()
     {
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const QString path = writeFile(dir + QStringLiteral("/Prefs.xib"), xib("prefs.xib"));
         QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QVERIFY(file);
@@ -131,56 +87,59 @@ private slots:
     void previousVersionBeforeDictionary()
     {
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Base.lproj/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const QString path = writeFile(dir + QStringLiteral("/Base.lproj/Prefs.xib"), xib("prefs.xib"));
         // The previous version translates the window and leaves the field's title empty.
-        const QString previous = TestSupport::writeFile(dir + QStringLiteral("/fr.lproj/Prefs.xib"), xib("Préférences", "D'accord", ""));
-        const QString dictionary = TestSupport::writeFile(
+        const QString previous = writeFile(dir + QStringLiteral("/fr.lproj/Prefs.xib"), xib("prefs-fr.xib"));
+        const QString dictionary = writeFile(
             dir + QStringLiteral("/en-fr.strings"),
             "\"Prefs\" = \"Réglages\";\n\"OK\" = \"Valider\";\n\"Name:\" = \"Nom :\";\n");
         const LocFilePtr file = LocFile::initWithPath(path, OptString(dictionary), OptString(previous));
         QCOMPARE(file->initError(), QString());
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Nom :+")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Nom :+"));
         QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Prefs.xib")});
         QCOMPARE(filesIn(dir + QStringLiteral("/Base.lproj")), QStringList{S("Prefs.xib")});
 
         // A dictionary that keeps a word as it is marks the entry done; others stay unchecked.
-        const QString same = TestSupport::writeFile(dir + QStringLiteral("/same.strings"), "\"OK\" = \"OK\";\n");
+        const QString same = writeFile(dir + QStringLiteral("/same.strings"), "\"OK\" = \"OK\";\n");
         const LocFilePtr plain = LocFile::initWithPath(path, OptString(same), std::nullopt);
-        QCOMPARE(words(plain), (QStringList{S("Prefs-"), S("OK+"), S("Name:-")}));
+        QCOMPARE(entryWords(plain), S("Prefs-|OK+|Name:-"));
         QCOMPARE(LocFile::initWithPath(path, OptString(S("")), OptString(S("")))->allEntries().size(), 3);
     }
 
     void exportWritesTheLocalizedFile()
     {
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const QString path = writeFile(dir + QStringLiteral("/Prefs.xib"), xib("prefs.xib"));
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         file->allEntries()[0]->setLocalizedWord(S("Einstellungen \"neu\""));
+        file->allEntries()[1]->setLocalizedWord(QString());  // emptied: no pair, whatever the check mark
+        file->allEntries()[1]->setCheck(true);
         file->allEntries()[2]->setLocalizedWord(S("Name\nzweizeilig"));
         const QString out = dir + QStringLiteral("/de.lproj");
         // Whatever stood at the output path goes, a folder included.
-        TestSupport::writeFile(out + QStringLiteral("/Prefs.xib/stale.txt"), "old");
+        writeFile(out + QStringLiteral("/Prefs.xib/stale.txt"), "old");
 
         const StringMap pairs = file->makeLocalizedFileAt(out);
         // Words as entries hold them: escaped for a string table.
         QCOMPARE(pairs.value(S("Prefs")), S("Einstellungen \\\"neu\\\""));
-        QVERIFY(!pairs.contains(S("OK")));  // untouched and unchecked: nothing to learn
+        QVERIFY(!pairs.contains(S("OK")));
         QCOMPARE(pairs.value(S("Name:")), S("Name\nzweizeilig"));
         QCOMPARE(pairs.size(), 2);
-        const QByteArray written = TestSupport::readFile(out + QStringLiteral("/Prefs.xib"));
+        const QByteArray written = readFile(out + QStringLiteral("/Prefs.xib"));
         QVERIFY2(written.contains("<window title=\"Einstellungen &quot;neu&quot;\" id=\"1\">"), written.constData());
         QVERIFY(written.contains("<string key=\"title\">Name\nzweizeilig</string>"));
         QCOMPARE(filesIn(dir), (QStringList{S("Prefs.xib"), S("de.lproj")}));  // merge table removed
 
         // Reading the localized copy gives the translations as base words.
         const LocFilePtr back = LocFile::initWithPath(out + QStringLiteral("/Prefs.xib"), std::nullopt, std::nullopt);
-        QCOMPARE(back->allEntries()[2]->baseWord(), OptString(S("Name\\nzweizeilig")));
+        QCOMPARE(back->allEntries().size(), 2);  // the emptied title is gone
+        QCOMPARE(back->allEntries().last()->baseWord(), OptString(S("Name\\nzweizeilig")));
     }
 
     void exportOfOtherFilesDoesNothing()
     {
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Localizable.strings"), "\"a\" = \"b\";\n");
+        const QString path = writeFile(dir + QStringLiteral("/Localizable.strings"), "\"a\" = \"b\";\n");
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QVERIFY(file);
         QVERIFY(ibtoolHandle::ibtoolMakeLocalizedNibFileAt(*file, dir + QStringLiteral("/out")).isEmpty());
@@ -191,16 +150,16 @@ private slots:
     void commandLines()
     {
         const QString dir = folder();
-        const QString base = TestSupport::writeFile(dir + QStringLiteral("/Base.lproj/Main Menu.xib"), xib("a", "b", "c"));
-        const QString previous = TestSupport::writeFile(dir + QStringLiteral("/fr.lproj/Main Menu.xib"), xib("a", "b", "c"));
-        TestSupport::writeFile(dir + QStringLiteral("/table"),
-                               utf16(S("\n/* Class = \"NSMenu\"; title = \"Go\"; ObjectID = \"7\"; */\n\"7.title\" = \"Go\";\n")));
+        const QString base = writeFile(dir + QStringLiteral("/Base.lproj/Main Menu.xib"), xib("prefs.xib"));
+        const QString previous = writeFile(dir + QStringLiteral("/fr.lproj/Main Menu.xib"), xib("prefs.xib"));
+        writeFile(dir + QStringLiteral("/table"),
+                               utf16le(S("\n/* Class = \"NSMenu\"; title = \"Go\"; ObjectID = \"7\"; */\n\"7.title\" = \"Go\";\n")));
         fakeTool(dir, "[ \"$1\" = --generate-stringsfile ] && cp \"" + dir.toUtf8() + "/table\" \"$2\"; exit 0");
         const LocFilePtr file = LocFile::initWithPath(base, std::nullopt, OptString(previous));
         QCOMPARE(file->allEntries().size(), 1);
         const QString out = dir + QStringLiteral("/de.lproj");
         file->makeLocalizedFileAt(out);
-        const QStringList log = S(TestSupport::readFile(dir + QStringLiteral("/log"))).split(u'\n', Qt::SkipEmptyParts);
+        const QStringList log = S(readFile(dir + QStringLiteral("/log"))).split(u'\n', Qt::SkipEmptyParts);
         QCOMPARE(log, (QStringList{
                           dir + S("/Base.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
                           dir + S("/fr.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
@@ -227,7 +186,7 @@ private slots:
         QFETCH(QByteArray, body);
         QFETCH(QString, reason);
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const QString path = writeFile(dir + QStringLiteral("/Prefs.xib"), xib("prefs.xib"));
         if (body.isNull()) qputenv("VOCABRIX_IBTOOL", (dir + QStringLiteral("/no-such-tool")).toUtf8());
         else fakeTool(dir, body);
         qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
@@ -239,7 +198,7 @@ private slots:
 
         // Export: no output file, the pairs as usual, and a warning that says why.
         const QString out = dir + QStringLiteral("/de");
-        TestSupport::writeFile(out + QStringLiteral("/Prefs.xib"), "old");
+        writeFile(out + QStringLiteral("/Prefs.xib"), "old");
         file->makeLocalizedFileAt(out);
         QVERIFY(!QFileInfo::exists(out + QStringLiteral("/Prefs.xib")));
         QVERIFY(!file->warnings().isEmpty());
@@ -252,7 +211,7 @@ private slots:
     void partialOutputOfAFailedMergeIsRemoved()
     {
         const QString dir = folder();
-        const QString path = TestSupport::writeFile(dir + QStringLiteral("/Prefs.xib"), xib("Prefs", "OK", "Name:"));
+        const QString path = writeFile(dir + QStringLiteral("/Prefs.xib"), xib("prefs.xib"));
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QCOMPARE(file->allEntries().size(), 3);
         fakeTool(dir, "echo half > \"$5\"; exit 1");

@@ -4,6 +4,7 @@
 // or hanging tool as a tool that listed nothing, with a warning. Stand-in scripts play the tool
 // where its output must be exact; the built vocabrix-nibtool runs the whole road once.
 
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "NibtoolHandler.h"
@@ -15,9 +16,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
-namespace {
+using namespace TestSupport;
 
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
+namespace {
 
 // What the older tool prints without a dictionary and a previous version.
 const char kBase[] =
@@ -33,14 +34,6 @@ const char kTranslated[] =
     "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"Second\";\n\n"
     "/* NSTextField (Name:) : <title:Name:> (oid:21) */\n\"Name:\" = \"\";\n\n";
 
-QStringList words(const LocFilePtr &file)
-{
-    QStringList list;
-    for (const LocEntryPtr &e : file->allEntries())
-        list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-');
-    return list;
-}
-
 }  // namespace
 
 class TestNibtoolHandler : public QObject {
@@ -52,17 +45,17 @@ class TestNibtoolHandler : public QObject {
     QString path(const QString &name) const { return QDir(m_case).filePath(name); }
     QStringList log() const
     {
-        return QString::fromUtf8(TestSupport::readFile(path(u"log"_qs))).split(u'\n', Qt::SkipEmptyParts);
+        return QString::fromUtf8(readFile(path(u"log"_qs))).split(u'\n', Qt::SkipEmptyParts);
     }
     // A stand-in tool that logs "working directory|arguments", then answers as `mode` says:
     // the base listing, or the translated one when given -I or -d; a merge copies the file.
     void fakeTool(const QByteArray &before = {})
     {
-        TestSupport::writeFile(path(u"base.txt"_qs), kBase);
-        TestSupport::writeFile(path(u"translated.txt"_qs), kTranslated);
+        writeFile(path(u"base.txt"_qs), kBase);
+        writeFile(path(u"translated.txt"_qs), kTranslated);
         const QByteArray dir = m_case.toUtf8();
         const QString tool = path(u"fake-nibtool"_qs);
-        TestSupport::writeFile(tool, "#!/bin/bash\necho \"$PWD|$*\" >> '" + dir + "/log'\n" + before + "\n"
+        writeFile(tool, "#!/bin/bash\necho \"$PWD|$*\" >> '" + dir + "/log'\n" + before + "\n"
                                          "if [[ \" $* \" == *\" -w \"* ]]; then cp \"$3\" '" + dir + "/table-seen'; "
                                          "cp -R \"$6\" \"$5\"; exit 0; fi\n"
                                          "if [[ \" $* \" == *\" -I \"* || \" $* \" == *\" -d \"* ]]; then cat '"
@@ -88,7 +81,7 @@ private slots:
     void initTestCase()
     {
         QVERIFY(m_dir.isValid());
-        TestSupport::isolate(m_dir);
+        isolate(m_dir);
         qputenv("VOCABRIX_SYSTEM_VERSION", "10.4.11");
         registerResourceHandlers();
     }
@@ -96,7 +89,7 @@ private slots:
     {
         m_case = m_dir.filePath(QStringLiteral("case%1").arg(++m_count));
         QDir().mkpath(m_case);
-        TestSupport::writeFile(path(u"Window.nib"_qs), "a nib");
+        writeFile(path(u"Window.nib"_qs), "a nib");
     }
     void cleanup()
     {
@@ -114,7 +107,7 @@ private slots:
         QCOMPARE(announced, 1);
         QCOMPARE(log(), QStringList{m_case + u"|-L -8 Window.nib"_qs});
         QVERIFY(!file->readNoDict);
-        QCOMPARE(words(file), (QStringList{u"Preferences-"_qs, u"OK-"_qs, u"Name:-"_qs, u"Cancel-"_qs}));
+        QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
         // The last block has the form of every other.
         QCOMPARE(file->allEntries().last()->entry(), S("/* NSButton (Cancel) : <title:Cancel> (oid:30) */\n\"Cancel\" = \"Cancel\";"));
         QCOMPARE(file->allEntries().first()->entry(),
@@ -127,14 +120,14 @@ private slots:
     void twoRunsPairedByMarker()
     {
         fakeTool();
-        const QString previous = TestSupport::writeFile(path(u"fr/Window.nib"_qs), "old");
+        const QString previous = writeFile(path(u"fr/Window.nib"_qs), "old");
         const LocFilePtr file = readAndWait(std::nullopt, OptString(previous));
         QVERIFY(file);
         QCOMPARE(log(), (QStringList{m_case + u"|-L -8 -I "_qs + previous + u" Window.nib"_qs,
                                      m_case + u"|-L -8 Window.nib"_qs}));
         QVERIFY(file->readNoDict);
         QCOMPARE(file->nibResult, OptString(S(kTranslated)));
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel-")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->allEntries()[1]->baseWord(), OptString(u"OK"_qs));
         QCOMPARE(file->status(), u"2/4"_qs);
     }
@@ -143,12 +136,12 @@ private slots:
     void dictionaryChecksWordsThatStay()
     {
         fakeTool();
-        const QString dictionary = TestSupport::writeFile(path(u"en-fr.strings"_qs), "\"Cancel\" = \"Cancel\";\n");
+        const QString dictionary = writeFile(path(u"en-fr.strings"_qs), "\"Cancel\" = \"Cancel\";\n");
         const LocFilePtr file = readAndWait(OptString(dictionary), std::nullopt);
         QVERIFY(file);
         QCOMPARE(log().first(), m_case + u"|-L -8 -d "_qs + dictionary + u" Window.nib"_qs);
         QCOMPARE(log().size(), 2);
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel+")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel+"));
         QVERIFY(!file->tempDictPath);
     }
 
@@ -171,7 +164,7 @@ private slots:
         QFETCH(QString, reason);
         fakeTool(body);
         qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
-        const OptString previous = withPrevious ? OptString(TestSupport::writeFile(path(u"fr/Window.nib"_qs), "old"))
+        const OptString previous = withPrevious ? OptString(writeFile(path(u"fr/Window.nib"_qs), "old"))
                                                 : std::nullopt;
         int announced = 0;
         const LocFilePtr file = readAndWait(std::nullopt, previous, &announced);
@@ -180,7 +173,7 @@ private slots:
         QVERIFY2(file->warnings().join(u'\n').contains(reason), qPrintable(file->warnings().join(u'\n')));
         QCOMPARE(file->initError(), QString());
         // A failed translated run leaves the base words; a failed base run, no entries.
-        if (withPrevious) QCOMPARE(words(file), (QStringList{u"Preferences-"_qs, u"OK-"_qs, u"Name:-"_qs, u"Cancel-"_qs}));
+        if (withPrevious) QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
         else QVERIFY(file->allEntries().isEmpty());
     }
 
@@ -209,19 +202,21 @@ private slots:
     void exportMergesTheTable()
     {
         fakeTool();
-        const QString previous = TestSupport::writeFile(path(u"fr/Window.nib"_qs), "old");
+        const QString previous = writeFile(path(u"fr/Window.nib"_qs), "old");
         const LocFilePtr file = readAndWait(std::nullopt, OptString(previous));
         QVERIFY(file);
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, true);
         file->searchEntryWithKey(std::nullopt);
         QCOMPARE(file->entries().size(), 2);
+        file->allEntries()[2]->setLocalizedWord(QString());  // emptied: no pair, whatever the check mark
+        file->allEntries()[2]->setCheck(true);
 
         const QString out = path(u"out/fr.lproj"_qs);
-        TestSupport::writeFile(out + u"/Window.nib/keyedobjects.nib"_qs, "stale folder");
+        writeFile(out + u"/Window.nib/keyedobjects.nib"_qs, "stale folder");
         const StringMap pairs = file->makeLocalizedFileAt(out);
         QString expected;
         for (const LocEntryPtr &e : file->allEntries()) expected += e->entry() + u"\n\n"_qs;
-        QCOMPARE(QString::fromUtf8(TestSupport::readFile(path(u"table-seen"_qs))), expected);
+        QCOMPARE(QString::fromUtf8(readFile(path(u"table-seen"_qs))), expected);
         QCOMPARE(log().last(), m_case + u"|-8 -d Window--temp.strings -w "_qs + QDir(out).absoluteFilePath(u"Window.nib"_qs)
                                    + u" Window.nib"_qs);
         QVERIFY(QFileInfo(out + u"/Window.nib"_qs).isFile());  // the old folder was removed first
@@ -229,6 +224,7 @@ private slots:
         QCOMPARE(pairs.value(S("Preferences")), S("Préférences"));
         QCOMPARE(pairs.value(u"OK"_qs), u"D'accord"_qs);
         QVERIFY(!pairs.contains(u"Cancel"_qs));  // untouched and unchecked: nothing to learn
+        QVERIFY(!pairs.contains(u"Name:"_qs));
         QCOMPARE(pairs.size(), 2);
     }
 
@@ -237,7 +233,7 @@ private slots:
     {
         const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)});
         QVERIFY(file);
-        QCOMPARE(words(file), (QStringList{S("Préférences+"), S("D'accord+"), S("Name:-"), S("Cancel-")}));
+        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->entries().size(), 4);
         QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)}));
     }
@@ -246,12 +242,11 @@ private slots:
     // localized nib out, and it reads back with the words.
     void wholeRoadWithTheBuiltTool()
     {
-        const QString tool = QDir(qEnvironmentVariable("VOCABRIX_TOOLS_DIR")).filePath(u"vocabrix-nibtool"_qs);
+        const QString tool = toolPath(u"vocabrix-nibtool"_qs);
         if (!QFileInfo(tool).isExecutable()) QFAIL("vocabrix-nibtool is not built (VOCABRIX_TOOLS_DIR)");
         qputenv("VOCABRIX_NIBTOOL", tool.toUtf8());
-        const QString keyed = QDir(qEnvironmentVariable("VOCABRIX_CORPUS")).filePath(
-            u"nibs/sparkle/e4eccce8/en.lproj/SUAutomaticUpdateAlert.nib"_qs);
-        if (!QFileInfo(keyed).isDir()) QSKIP("the shared corpus is absent; skipping");
+        SKIP_WITHOUT_CORPUS();
+        const QString keyed = corpusDir() + u"/nibs/sparkle/e4eccce8/en.lproj/SUAutomaticUpdateAlert.nib"_qs;
         const QString base = path(u"en.lproj/Alert.nib"_qs);
         const QString previous = path(u"de.lproj/Alert.nib"_qs);
         QDir().mkpath(base);
@@ -261,7 +256,7 @@ private slots:
         const QString german = QFileInfo(keyed).absolutePath() + u"/../de.lproj/SUAutomaticUpdateAlert.nib"_qs;
         for (const QString &name : QDir(german).entryList(QDir::Files))
             QFile::copy(german + u'/' + name, previous + u'/' + name);
-        const QString dictionary = TestSupport::writeFile(path(u"en-de.strings"_qs), "\"Install on Quit\" = \"Beim Beenden\";\n");
+        const QString dictionary = writeFile(path(u"en-de.strings"_qs), "\"Install on Quit\" = \"Beim Beenden\";\n");
 
         QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
         const LocFilePtr file = LocFile::initWithPath(base, OptString(dictionary), OptString(previous));

@@ -7,7 +7,7 @@
 #include "PlistHandler.h"
 #include "PlistWordEscaping.h"
 #include "PropertyList.h"
-#include "TestSupport.h"
+#include "InterfaceCases.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -15,8 +15,9 @@
 using plist::Value;
 Q_DECLARE_METATYPE(plist::Value)
 
+using TestSupport::S;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 Value str(const char *utf8) { return Value::fromString(S(utf8)); }
 Value dict(const plist::Dictionary &d) { return Value::fromDictionary(d); }
 Value arr(const plist::Array &a) { return Value::fromArray(a); }
@@ -92,44 +93,23 @@ private slots:
         QCOMPARE(file->warnings(), QStringList());
     }
 
-    void dictionaryWinsThenPreviousByPlace()
+    void sources_data()
     {
-        const Value base = dict({{S("A"), str("Open")},
-                                 {S("B"), str("Save")},
-                                 {S("List"), arr({str("One"), str("Two"), str("Three")})},
-                                 {S("Sub"), dict({{S("X"), str("Quit")}})},
-                                 {S("C"), str("Close")}});
-        const Value previous = dict({{S("C"), str("Schließen")},            // order does not matter
-                                     {S("A"), str("Öffnen")},               // the dictionary beats it
-                                     {S("B"), str("Sichern")},
-                                     {S("List"), arr({str("Eins"), Value::fromInteger(2)})},  // shorter, a number
-                                     {S("Sub"), arr({str("Beenden")})},      // another kind at that place
-                                     {S("Save"), str("by text: never")}});
-        const LocFilePtr file = read(base, previous, "\"Open\" = \"Aufmachen\";\n\"Three\" = \"Drei\";\n");
-        QCOMPARE(words(file), S("Aufmachen+|Sichern+|Eins+|Two-|Drei+|Quit-|Schließen+"));
-        QCOMPARE(file->status(), S("5/7"));
+        TestSupport::addCaseRows(u"handlers/plist-sources.tsv"_qs, {"base", "previous", "dictionary", "words", "warnings"});
     }
-
-    void previousArrayRoot()
+    void sources()
     {
-        const LocFilePtr file = read(arr({str("a"), dict({{S("k"), str("b")}})}),
-                                     arr({str("A"), dict({{S("k"), str("B")}})}));
-        QCOMPARE(words(file), S("A+|B+"));
-    }
-
-    void wordEqualToBaseStillChecks()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("OK")}, {S("b"), str("Cancel")}}),
-                                     dict({{S("a"), str("OK")}}));
-        QCOMPARE(words(file), S("OK+|Cancel-"));
-    }
-
-    void previousOfAnotherKindIsReported()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("x")}}), arr({str("y")}));
-        QCOMPARE(words(file), S("x-"));
-        QCOMPARE(file->warnings().size(), 1);
-        QVERIFY(file->warnings().first().contains(S("previous version")));
+        QFETCH(QString, base);
+        QFETCH(QString, previous);
+        QFETCH(QString, dictionary);
+        QFETCH(QString, words);
+        QFETCH(QString, warnings);
+        const LocFilePtr file = LocFile::initWithPath(place(base.toUtf8()), dictionary == u"-" ? OptString()
+                                                      : OptString(place(dictionary.toUtf8(), S("en-de.strings"))),
+                                                      OptString(place(previous.toUtf8())));
+        QCOMPARE(::words(file), words);
+        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
+        if (warnings.toInt()) QVERIFY(file->warnings().first().contains(S("previous version")));
     }
 
     void exportReplacesStringsOnly()
@@ -154,29 +134,7 @@ private slots:
         QCOMPARE(pairs, want);
     }
 
-    void exportIsAppleXml()
-    {
-        const LocFilePtr file = read(dict({{S("a"), str("b")}}));
-        const QString folder = m_dir.filePath(S("xml"));
-        QDir().mkpath(folder);
-        file->makeLocalizedFileAt(folder);
-        const QByteArray xml = TestSupport::readFile(folder + S("/Info.plist"));
-        QVERIFY(xml.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC"));
-        QVERIFY(xml.contains("\n<dict>\n\t<key>a</key>\n\t<string>b</string>\n</dict>\n"));
-    }
-
-    void untranslatedStringsComeBackExactly_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::newRow("quotes") << S("Say \"hi\"");
-        QTest::newRow("quote then semicolon") << S("Press \"Return\"; then wait");
-        QTest::newRow("quote then equals") << S("key\" = \"value");
-        QTest::newRow("backslashes") << S("C:\\dir\\new \\\\ \\n \\\"");
-        QTest::newRow("line breaks") << S("one\ntwo\r\nthree\rfour");
-        QTest::newRow("tab and percent") << S("\t%1 %@ %d");
-        QTest::newRow("comment marks") << S("/* a */ */\n\"");
-        QTest::newRow("ends with backslash") << S("trailing\\");
-    }
+    void untranslatedStringsComeBackExactly_data() { TestSupport::addCaseRows(u"handlers/plist-untouched.tsv"_qs, {"text"}); }
     void untranslatedStringsComeBackExactly()
     {
         QFETCH(QString, text);
@@ -192,18 +150,7 @@ private slots:
         QCOMPARE(unescapePlistWord(escapePlistWord(text)), text);
     }
 
-    void typedWordsAreWrittenAsTyped_data()
-    {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("written");
-        QTest::newRow("plain quotes") << S("Sag \"hallo\"") << S("Sag \"hallo\"");
-        QTest::newRow("escaped quotes as shown") << S("Sag \\\"hallo\\\"") << S("Sag \"hallo\"");
-        QTest::newRow("quote then semicolon") << S("\"Eingabe\"; dann") << S("\"Eingabe\"; dann");
-        QTest::newRow("escaped line break") << S("eins\\nzwei") << S("eins\nzwei");
-        QTest::newRow("typed line break") << S("eins\nzwei") << S("eins\nzwei");
-        QTest::newRow("lone backslash") << S("C:\\Ordner") << S("C:\\Ordner");
-        QTest::newRow("non-ASCII") << S("Öffnen…") << S("Öffnen…");
-    }
+    void typedWordsAreWrittenAsTyped_data() { TestSupport::addCaseRows(u"handlers/plist-typed.tsv"_qs, {"typed", "written"}); }
     void typedWordsAreWrittenAsTyped()
     {
         QFETCH(QString, typed);

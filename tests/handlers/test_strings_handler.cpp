@@ -1,20 +1,21 @@
-// The strings-file handler through LocFile: which lines make entries and what they hold, which
-// source fills a word (previous version by key, else dictionary by base text), check marks,
-// empty keys and values, encodings, what the user is told, the header test and the export.
+// The strings-file handler through LocFile: which lines make entries and what they hold (in
+// UTF-8 and UTF-16 alike), which source fills a word (previous version by key, else dictionary
+// by base text), check marks, encodings, what the user is told, the header test and the export.
+// Grammar and source cases are tables under tests/data/handlers/.
+#include "InterfaceCases.h"
 #include "Handlers.h"
 #include "LocFile.h"
 #include "NotificationCenter.h"
 #include "PropertyList.h"
 #include "StringsHandler.h"
-#include "StringsTable.h"
-#include "TestSupport.h"
 
 #include <QSignalSpy>
 #include <QStringEncoder>
 #include <QTest>
 
+using namespace TestSupport;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 QByteArray B(const char *utf8) { return QByteArray(utf8); }
 }  // namespace
 
@@ -42,14 +43,6 @@ class TestStringsHandler : public QObject {
         QDir().mkpath(folder);
         return folder;
     }
-    static QString words(const LocFilePtr &file)
-    {
-        QStringList list;
-        for (const LocEntryPtr &e : file->allEntries())
-            list << StringUtility::wordOrEmpty(e->localizedWord()) + (e->isChecked() ? S("+") : S("-"));
-        return list.join(u'|');
-    }
-
 private slots:
     void initTestCase()
     {
@@ -60,40 +53,15 @@ private slots:
 
     // Every pair where the grammar puts it, words as the file writes them (escaped), with the
     // comment just above it; what is no pair (comments, commented-out pairs) makes no entry.
-    void pairMakesEntry_data()
-    {
-        QTest::addColumn<QByteArray>("table");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("base");
-        QTest::addColumn<QString>("comment");
-        QTest::newRow("spaced") << B("\"a\" = \"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("tight") << B("\"a\"=\"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("tab after equals") << B("\"a\" =\t\"b\";") << S("a") << S("b") << QString();
-        QTest::newRow("over two lines") << B("\"a\" =\n  \"b\"\n;") << S("a") << S("b") << QString();
-        QTest::newRow("value spans lines") << B("\"a\" = \"one\ntwo\";") << S("a") << S("one\\ntwo") << QString();
-        QTest::newRow("short form") << B("\"Cancel\";") << S("Cancel") << S("Cancel") << QString();
-        QTest::newRow("unquoted words") << B("CFBundleName = Vienna;") << S("CFBundleName") << S("Vienna") << QString();
-        QTest::newRow("escapes kept") << B("\"say \\\"hi\\\"\" = \"x\\\"=y\\n\";") << S("say \\\"hi\\\"")
-                                      << S("x\\\"=y\\n") << QString();
-        QTest::newRow("non-ASCII") << B("\"Öffnen\" = \"Öffnen…\";") << S("Öffnen") << S("Öffnen…") << QString();
-        QTest::newRow("ibtool comment") << B("/* Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\"; */\n"
-                                             "\"5.title\" = \"Torrent Creator\";")
-                                        << S("5.title") << S("Torrent Creator")
-                                        << S("Class = \"NSWindow\"; title = \"Torrent Creator\"; ObjectID = \"5\";");
-        QTest::newRow("line comment") << B("// Preferences -> Transfers\n\"a\" = \"b\";") << S("a") << S("b")
-                                      << S("Preferences -> Transfers");
-        QTest::newRow("last of two comments") << B("/* one */\n/* two */\n\"a\" = \"b\";") << S("a") << S("b") << S("two");
-        QTest::newRow("commented-out pair is a comment") << B("/* \"old\" = \"gone\"; */\n\"a\" = \"b\";") << S("a")
-                                                         << S("b") << S("\"old\" = \"gone\";");
-        QTest::newRow("file header apart") << B("/* Localizable.strings */\n\n\"a\" = \"b\";") << S("a") << S("b") << QString();
-    }
+    void pairMakesEntry_data() { addCaseRows(u"handlers/strings-pairs.tsv"_qs, {"table", "key", "base", "comment"}, true); }
     void pairMakesEntry()
     {
-        QFETCH(QByteArray, table);
+        QFETCH(bool, utf16);
+        QFETCH(QString, table);
         QFETCH(QString, key);
         QFETCH(QString, base);
         QFETCH(QString, comment);
-        const LocFilePtr file = read(table + B("\n"));
+        const LocFilePtr file = read(utf16 ? utf16le(table + u'\n') : (table + u'\n').toUtf8());
         QCOMPARE(file->allEntries().size(), 1);
         const LocEntryPtr e = file->allEntries().first();
         QCOMPARE(e->entry(), S("/* \"%1\"=\"%2\" */\n\"%2\" = \"%2\";").arg(key, base));
@@ -114,19 +82,13 @@ private slots:
 
     // A table Foundation could not load is no base for a translation: no entries, the place
     // named, and never a localized table written from it.
-    void brokenTableIsReportedAndNeverWritten_data()
-    {
-        QTest::addColumn<QByteArray>("table");
-        QTest::addColumn<QString>("where");
-        QTest::newRow("missing semicolon") << B("\"a\" = \"1\";\n\"b\" = \"2\"\n\"c\" = \"3\";\n") << S("at line 3");
-        QTest::newRow("open quote") << B("\"a\" = \"1\";\n\"b\" = \"2;\n") << S("at line 2");
-        QTest::newRow("open comment") << B("\"a\" = \"1\";\n/* note\n") << S("at line 2");
-    }
+    void brokenTableIsReportedAndNeverWritten_data() { addCaseRows(u"handlers/strings-broken.tsv"_qs, {"table", "where"}, true); }
     void brokenTableIsReportedAndNeverWritten()
     {
-        QFETCH(QByteArray, table);
+        QFETCH(bool, utf16);
+        QFETCH(QString, table);
         QFETCH(QString, where);
-        const LocFilePtr file = read(table);
+        const LocFilePtr file = read(utf16 ? utf16le(table) : table.toUtf8());
         QVERIFY(file->allEntries().isEmpty());
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY2(file->warnings().first().contains(S("breaks the string-table syntax ") + where), qPrintable(file->warnings().first()));
@@ -135,112 +97,60 @@ private slots:
         QVERIFY(!QFileInfo::exists(folder + S("/Localizable.strings")));
     }
 
-    void whichSourceWins()
+    void sources_data()
     {
-        const QByteArray base = "\"k1\" = \"Open\";\n\"k2\" = \"Save\";\n\"k3\" = \"Quit\";\n\"k4\" = \"Open\";\n";
-        const QByteArray previous = "\"k1\" = \"Öffnen\";\n\"Open\" = \"Falsch\";\n";
-        const QByteArray dictionary = "\"Open\" = \"Aufmachen\";\n\"Save\" = \"Sichern\";\n\"k3\" = \"Falsch\";\n";
-        const LocFilePtr file = read(base, previous, dictionary);
-        // Previous by key beats the dictionary; the dictionary matches base text, never keys.
-        QCOMPARE(words(file), S("Öffnen+|Sichern+|Quit-|Aufmachen+"));
-        QCOMPARE(file->status(), S("3/4"));
-        QVERIFY(file->warnings().isEmpty());
+        addCaseRows(u"handlers/strings-sources.tsv"_qs, {"base", "previous", "dictionary", "words", "warnings"});
+    }
+    void sources()
+    {
+        QFETCH(QString, base);
+        QFETCH(QString, previous);
+        QFETCH(QString, dictionary);
+        QFETCH(QString, words);
+        QFETCH(QString, warnings);
+        const auto bytes = [](const QString &f) { return f == u"-" ? QByteArray() : f.toUtf8(); };
+        const LocFilePtr file = read(base.toUtf8(), bytes(previous), bytes(dictionary));
+        QCOMPARE(entryWords(file), words);
+        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
     }
 
-    void sameWordFromASourceStillChecks()
-    {
-        const LocFilePtr file = read(B("\"k\" = \"OK\";\n\"l\" = \"Cancel\";\n"), B("\"k\" = \"OK\";"),
-                                     B("\"Cancel\" = \"Cancel\";"));
-        QCOMPARE(words(file), S("OK+|Cancel+"));
-    }
-
-    void singleSpaceStartsChecked()
-    {
-        QCOMPARE(words(read(B("\"k\" = \" \";\n"))), S(" +"));
-    }
-
-    void previousLineBreakAndQuoteComeInEscaped()
-    {
-        const LocFilePtr file = read(B("\"k\" = \"x\";\n"), B("\"k\" = \"eins\\nzwei \\\"drei\\\"\";"));
-        QCOMPARE(file->allEntries().first()->localizedWord(), OptString(S("eins\\nzwei \\\"drei\\\"")));
-    }
-
-    void escapedKeysAndValuesInLookups()
-    {
-        // The previous version by the key as the grammar reads it; the dictionary by the base word
-        // as it stands first, then as the grammar reads it (dictionaries hold plain words).
-        const QByteArray base = "\"say \\\"hi\\\"\" = \"x\";\n\"k\" = \"say \\\"hi\\\"\";\n\"m\" = \"a\\\\b\";\n\"t\\tab\" = \"y\";\n";
-        const LocFilePtr file = read(base, B("\"say \\\"hi\\\"\" = \"found\";\n\"t\\tab\" = \"tab\";"),
-                                     B("\"say \\\"hi\\\"\" = \"plain\";\n\"a\\\\b\" = \"literal\";"));
-        QCOMPARE(words(file), S("found+|plain+|literal+|tab+"));
-    }
-
+    // Words of empty keys and values are in the source table and the export cases; here: hiding them.
     void emptyKeysAndValues()
     {
-        const QByteArray base = "\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n";
-        const LocFilePtr file = read(base, B("\"\" = \"leer\";\n\"x\" = \"wrong\";"));
-        QCOMPARE(file->allEntries().size(), 3);
-        const LocEntryPtr emptyValue = file->allEntries().at(0);
-        QCOMPARE(emptyValue->keyWord(), OptString(S("a")));
-        QCOMPARE(emptyValue->baseWord(), OptString(QString()));
-        QVERIFY(!emptyValue->localizedWord());
-        QVERIFY(emptyValue->isChecked());
-        // The empty key looks up its own previous word, not its value's.
+        const LocFilePtr file = read(B("\"a\" = \"\";\n\"\" = \"x\";\n\"\" = \"\";\n"), B("\"\" = \"leer\";"));
         const LocEntryPtr emptyKey = file->allEntries().at(1);
-        QCOMPARE(StringUtility::wordLength(emptyKey->keyWord()), 0);
-        QCOMPARE(emptyKey->localizedWord(), OptString(S("leer")));
-
         Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, true);
         file->resetEntries();
         Settings::instance().setValue(SettingsKey::IgnoreEmptyWords, false);
         QCOMPARE(file->entries().size(), 2);
         QCOMPARE(file->entries().first(), emptyKey);
-
-        const QString folder = exportFolder();
-        file->makeLocalizedFileAt(folder);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 B("\"a\" = \"\";\n\"\" = \"leer\";\n\"\" = \"leer\";\n"));
     }
 
-    // Export is the base table with the changed values replaced: comments, blank lines, order,
-    // spacing and untranslated values keep their bytes.
-    void exportKeepsTheBaseLayout()
+    // Export: the base table (base/) read with previous.strings if there, the words of edits.tsv
+    // typed, must give expected/ byte for byte (comments, blank lines, order, spacing and
+    // untranslated values keep their bytes) and, with pairs.tsv, exactly those pairs: only the
+    // translator's work, a word changed or confirmed by a check mark, never an empty word.
+    void exports_data() { addGoldenRows(u"handlers/strings-export"_qs); }
+    void exports()
     {
-        const QByteArray base = "/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Open\";\n\n\"Quote\" = \"a \\\"b\\\"\";\n"
-                                "\"Lines\" = \"one\ntwo\";\n\"Short\";\nunquoted = word; // trailing\n";
-        const LocFilePtr file = read(base);
-        QCOMPARE(file->allEntries().size(), 5);
-        const QString untouched = exportFolder();
-        file->makeLocalizedFileAt(untouched);
-        QCOMPARE(TestSupport::readFile(untouched + S("/Localizable.strings")), base);
-
-        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
-        file->allEntries().at(1)->setLocalizedWord(S("ein \"b\""));
-        file->allEntries().at(3)->setLocalizedWord(S("Abbrechen"));
-        file->allEntries().at(4)->setLocalizedWord(S("Wort"));
+        QFETCH(QString, dir);
+        const QDir d(dir);
+        const QString name = QDir(d.filePath(u"base"_qs)).entryList(QDir::Files).value(0);
+        const OptString previous = d.exists(u"previous.strings"_qs) ? OptString(d.filePath(u"previous.strings"_qs)) : OptString();
+        const LocFilePtr file = LocFile::initWithPath(d.filePath(u"base/"_qs + name), OptString(), previous);
+        const auto edits = d.exists(u"edits.tsv"_qs) ? readCaseTable(d.filePath(u"edits.tsv"_qs), 2) : QList<QStringList>();
+        for (const QStringList &edit : edits) {
+            const LocEntryPtr e = file->allEntries().at(edit[0].toInt());
+            if (edit[1] == u"+") e->setCheck(true);
+            else e->setLocalizedWord(edit[1]);
+        }
         const QString folder = exportFolder();
-        file->makeLocalizedFileAt(folder);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 S("/* Header */\n\n/* c */\n\"OpenKey\" =\t\"Öffnen\";\n\n\"Quote\" = \"ein \\\"b\\\"\";\n"
-                   "\"Lines\" = \"one\ntwo\";\n\"Short\" = \"Abbrechen\";\nunquoted = \"Wort\"; // trailing\n").toUtf8());
-    }
-
-    // The dictionary learns base word to localized word, and only the translator's work: a word
-    // changed, or one confirmed by a check mark; never an empty word, never an untouched one.
-    void exportReturnsOnlyTranslatorPairs()
-    {
-        const QByteArray base = "\"button.open\" = \"Open\";\n\"button.ok\" = \"OK\";\n\"button.cancel\" = \"Cancel\";\n"
-                                "\"quote\" = \"a \\\"b\\\"\";\n\"emptied\" = \"Gone\";\n";
-        const LocFilePtr file = read(base);
-        file->allEntries().at(0)->setLocalizedWord(S("Öffnen"));
-        file->allEntries().at(1)->setCheck(true);
-        file->allEntries().at(3)->setLocalizedWord(S("ein \"b\""));
-        file->allEntries().at(4)->setLocalizedWord(QString());
+        const StringMap pairs = file->makeLocalizedFileAt(folder);
+        QVERIFY(compareBytes(readFile(folder + u'/' + name), d.filePath(u"expected/"_qs + name)));
+        if (!d.exists(u"pairs.tsv"_qs)) return;
         StringMap expected;
-        expected.insert(S("Open"), S("Öffnen"));
-        expected.insert(S("OK"), S("OK"));
-        expected.insert(S("a \"b\""), S("ein \"b\""));
-        QCOMPARE(file->makeLocalizedFileAt(exportFolder()), expected);
+        for (const QStringList &pair : readCaseTable(d.filePath(u"pairs.tsv"_qs), 2)) expected.insert(pair[0], pair[1]);
+        QCOMPARE(pairs, expected);
     }
 
     void entriesFollowTheBaseTableByKey()
@@ -257,33 +167,6 @@ private slots:
         QVERIFY2(file->warnings().join(u'\n').contains(S("1 entry is")), qPrintable(file->warnings().join(u'\n')));
     }
 
-    // An application keyed by its English texts ships a base table of comments only: its words
-    // are the previous version's, and export must not write them away.
-    void tableWithoutPairsTakesThePreviousPairs()
-    {
-        const LocFilePtr file = read(B("/* Keys are the English texts. */\n"),
-                                     B("\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quit\";\n"));
-        QCOMPARE(words(file), S("Ouvrir « %@ »+|Quit+"));
-        QVERIFY(file->warnings().isEmpty());
-        file->allEntries().at(1)->setLocalizedWord(S("Quitter"));
-        const QString folder = exportFolder();
-        StringMap expected;
-        expected.insert(S("Open \"%@\""), S("Ouvrir « %@ »"));
-        expected.insert(S("Quit"), S("Quitter"));
-        QCOMPARE(file->makeLocalizedFileAt(folder), expected);
-        QCOMPARE(TestSupport::readFile(folder + S("/Localizable.strings")),
-                 S("/* Keys are the English texts. */\n\"Open \\\"%@\\\"\" = \"Ouvrir « %@ »\";\n\"Quit\" = \"Quitter\";\n").toUtf8());
-    }
-
-    void infoPlistTableReturnsNoPairs()
-    {
-        const LocFilePtr file = read(B("CFBundleName = \"Vienna\";\n"), {}, {}, S("InfoPlist.strings"));
-        file->allEntries().first()->setLocalizedWord(S("Wien"));
-        const QString folder = exportFolder();
-        QVERIFY(file->makeLocalizedFileAt(folder).isEmpty());
-        QCOMPARE(TestSupport::readFile(folder + S("/InfoPlist.strings")), B("CFBundleName = \"Wien\";\n"));
-    }
-
     void failedWriteIsReported()
     {
         const LocFilePtr file = read(B("\"a\" = \"b\";\n"));
@@ -295,14 +178,15 @@ private slots:
     {
         QTest::addColumn<QByteArray>("bytes");
         QTest::addColumn<QString>("warning");  // a piece of the expected warning, or empty for none
-        const QString table = S("/* x */\r\"Å\" = \"Äpfel\";\r\"b\" = \"c\";\r");
+        // An unquoted first key: a byte-order mark taken for part of the first line would break it.
+        const QString table = S("Apfel = \"Äpfel\";\r/* x */\r\"b\" = \"c\";\r");
         QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
         QTest::newRow("UTF-8, CR line ends") << table.toUtf8() << QString();
         QTest::newRow("UTF-8 with mark") << B("\xEF\xBB\xBF") + table.toUtf8() << QString();
         QTest::newRow("UTF-16LE with mark") << B("\xFF\xFE") + QByteArray(le.encode(table)) << QString();
         QTest::newRow("UTF-16BE with mark") << B("\xFE\xFF") + QByteArray(be.encode(table)) << QString();
         QTest::newRow("UTF-16BE without mark") << QByteArray(be(table)) << S("UTF-16 big-endian");
-        QTest::newRow("Mac Roman") << B("\"\x81\" = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
+        QTest::newRow("Mac Roman") << B("Apfel = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
     }
     void encodings()
     {
@@ -310,7 +194,7 @@ private slots:
         QFETCH(QString, warning);
         const LocFilePtr file = read(bytes);
         QCOMPARE(file->allEntries().size(), 2);
-        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Å")));
+        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Apfel")));
         QCOMPARE(file->allEntries().first()->baseWord(), OptString(S("Äpfel")));
         if (warning.isEmpty()) {
             QCOMPARE(file->warnings(), QStringList());
@@ -320,34 +204,14 @@ private slots:
         }
     }
 
-    void byteOrderMarkIsNoPartOfTheFirstLine_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        const QString table = S("CFBundleName = \"Wien\";\n");
-        QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
-        QTest::newRow("UTF-8") << B("\xEF\xBB\xBF") + table.toUtf8();
-        QTest::newRow("UTF-16LE") << B("\xFF\xFE") + QByteArray(le.encode(table));
-        QTest::newRow("UTF-16BE") << B("\xFE\xFF") + QByteArray(be.encode(table));
-    }
-    void byteOrderMarkIsNoPartOfTheFirstLine()
-    {
-        QFETCH(QByteArray, bytes);
-        const LocFilePtr file = read(bytes);
-        QCOMPARE(file->allEntries().size(), 1);
-        QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("CFBundleName")));
-        QCOMPARE(file->warnings(), QStringList());
-    }
-
+    // Warnings name the previous version first, then the dictionary; a path that names no file
+    // is no previous version, and says nothing.
     void unreadableSourcesAreReportedAndSkipped()
     {
         const QByteArray base = "\"Open\" = \"Open\";\n";
         const LocFilePtr file = read(base, B("\"Open\" = \"Öffnen\""), B("broken = ;"));
-        QCOMPARE(words(file), S("Open-"));
-        QCOMPARE(file->warnings().size(), 2);
         QVERIFY(file->warnings().at(0).startsWith(S("The previous version")));
         QVERIFY(file->warnings().at(1).startsWith(S("The dictionary")));
-
-        // A path that names no file is no previous version, and says nothing.
         const LocFilePtr quiet = LocFile::initWithPath(place(base), OptString(m_dir.filePath(S("none.strings"))),
                                                        OptString(m_dir.filePath(S("none/Localizable.strings"))));
         QCOMPARE(quiet->warnings(), QStringList());
@@ -359,7 +223,7 @@ private slots:
         QStringEncoder be(QStringConverter::Utf16BE);
         const QByteArray previous = be.encode(S("\"k\" = \"Äpfel\";\n"));
         const LocFilePtr file = read(B("\"k\" = \"Apples\";\n"), previous);
-        QCOMPARE(words(file), S("Äpfel+"));
+        QCOMPARE(entryWords(file), S("Äpfel+"));
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY(file->warnings().first().contains(S("UTF-16 big-endian")));
     }
@@ -406,7 +270,7 @@ private slots:
                                            {{S("OpenKey"), plist::Value::fromString(S("Öffnen"))}})),
                                        name);
         const LocFilePtr file = LocFile::initWithPath(place(bytes, name), OptString(), OptString(previous));
-        QCOMPARE(words(file), S("Öffnen+|Quit \\\"now\\\"-"));
+        QCOMPARE(entryWords(file), S("Öffnen+|Quit \\\"now\\\"-"));
         QCOMPARE(file->warnings(), QStringList());
 
         // Written back as a property list with the base keys, whatever form it came in.
@@ -422,7 +286,6 @@ private slots:
 
     void headerLine()
     {
-        QCOMPARE(stringsHandle::plistHeader(), S("<?xml version=\"1.0\" encoding=\"UTF-8\"?>"));
         QVERIFY(stringsHandle::isPropertyListTable("bplist00", QString()));
         QVERIFY(!stringsHandle::isPropertyListTable("\"a\" = \"<?xml\";", S("\"a\" = \"<?xml\";")));
         QVERIFY(!stringsHandle::isPropertyListTable("{", S("{")));

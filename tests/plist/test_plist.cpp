@@ -4,13 +4,12 @@
 int runReaderTests(int argc, char **argv);
 int runWriterTests(int argc, char **argv);
 int runHostileTests(int argc, char **argv);
-int runCorpusTests(int argc, char **argv);
 
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
     int failed = 0;
-    for (auto run : {runReaderTests, runWriterTests, runHostileTests, runCorpusTests})
+    for (auto run : {runReaderTests, runWriterTests, runHostileTests})
         failed += run(argc, argv) != 0;
     return failed;
 }
