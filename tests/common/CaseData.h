@@ -3,7 +3,8 @@
 //  - golden folders, tests/data/<area>/<case>/, each with its inputs and the expected outputs
 //    beside them; `addGoldenRows` makes one QTest row per folder;
 //  - case tables, tests/data/<area>/<name>.tsv: one case a line, fields separated by tabs, "#"
-//    starting a comment line; fields may use \n \t \\ \" and \uXXXX. The first field names the row.
+//    starting a comment line; fields may use \n \t \\ \" and \uXXXX. The first field names the
+//    row; `addCaseRows` makes the rows.
 // `compareText` prints the first differing line of got and expected, and with
 // VOCABRIX_UPDATE_GOLDEN=1 in the environment rewrites the expected file instead (for an
 // engineer who has checked the new output by eye).
@@ -13,6 +14,8 @@
 #include <QDir>
 #include <QStringList>
 #include <QTest>
+
+#include <initializer_list>
 
 namespace TestSupport {
 
@@ -70,19 +73,22 @@ inline QList<QStringList> readCaseTable(const QString &path, int columns)
     return rows;
 }
 
-// Columns named `names`, all QString, one row per line of tests/data/<area>/<table>.tsv.
-inline void addTableRows(const QString &area, const QString &table, const QStringList &names)
+// One row per line of tests/data/<table> (a path like "handlers/strings-pairs.tsv"), all columns
+// QString; QTest keeps the column names' pointers, so they are string literals. With
+// `inBothEncodings` each line makes two rows, first column "utf16" false then true, for cases
+// that must hold whichever encoding the file is in.
+inline void addCaseRows(const QString &table, std::initializer_list<const char *> columns, bool inBothEncodings = false)
 {
-    // QTest keeps the column name's pointer, so the names must outlive the test.
-    static QList<QByteArray> kept;
-    for (const QString &n : names) {
-        kept.append(n.toUtf8());
-        QTest::addColumn<QString>(kept.last().constData());
-    }
-    const auto rows = readCaseTable(dataDir(area) + u'/' + table, int(names.size()) + 1);
-    for (const QStringList &row : rows) {
-        auto &r = QTest::newRow(qPrintable(row[0]));
-        for (qsizetype i = 1; i <= names.size(); ++i) r << row[i];
+    if (inBothEncodings) QTest::addColumn<bool>("utf16");
+    for (const char *c : columns) QTest::addColumn<QString>(c);
+    for (const QStringList &row : readCaseTable(dataDir(table), int(columns.size()) + 1)) {
+        for (bool utf16 : {false, true}) {
+            if (utf16 && !inBothEncodings) break;
+            const QString name = inBothEncodings ? row[0] + (utf16 ? QStringLiteral(" (UTF-16)") : QStringLiteral(" (UTF-8)")) : row[0];
+            auto &r = QTest::newRow(qPrintable(name));
+            if (inBothEncodings) r << utf16;
+            for (qsizetype i = 1; i <= qsizetype(columns.size()); ++i) r << row[i];
+        }
     }
 }
 

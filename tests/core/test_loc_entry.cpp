@@ -24,9 +24,8 @@ class TestLocEntry : public QObject {
 private slots:
     void entries_data()
     {
-        TestSupport::addTableRows(S("core"), S("entries.tsv"),
-                                  {S("text"), S("nib"), S("objectId"), S("key"), S("base"), S("localized"), S("checked"),
-                                   S("setTo"), S("after"), S("checkedAfter")});
+        TestSupport::addCaseRows(S("core/entries.tsv"), {"text", "nib", "objectId", "key", "base", "localized", "checked",
+                                                          "setTo", "after", "checkedAfter"});
     }
     void entries()
     {

@@ -18,7 +18,7 @@ class TestStringUtility : public QObject {
 private slots:
     void textOperations_data()
     {
-        TestSupport::addTableRows(S("core"), S("text-ops.tsv"), {S("op"), S("text"), S("first"), S("second"), S("expectedText")});
+        TestSupport::addCaseRows(S("core/text-ops.tsv"), {"op", "text", "first", "second", "expectedText"});
     }
     void textOperations()
     {
