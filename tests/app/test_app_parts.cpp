@@ -78,7 +78,7 @@ private slots:
     void openPanelChoosesBundles();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     QString writeDictionary();
 };
 
@@ -90,9 +90,7 @@ void TestAppParts::initTestCase()
 
 void TestAppParts::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-    AppTest::isolate(*m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();
     VXController::initialize();
 }
 
@@ -159,7 +157,7 @@ void TestAppParts::dictionaryNames()
 // A tiny dictionary of our own: three words, one with accents.
 QString TestAppParts::writeDictionary()
 {
-    const QString folder = m_dir->filePath(QStringLiteral("hunspell"));
+    const QString folder = m_box->path(QStringLiteral("hunspell"));
     TestSupport::writeFile(folder + QLatin1String("/xx_XX.aff"), "SET UTF-8\nTRY esianrtolcdugmphbyfvkwz\n");
     TestSupport::writeFile(folder + QLatin1String("/xx_XX.dic"), "3\nbonjour\nmonde\n\xC3\xA9t\xC3\xA9\n");
     qputenv("VOCABRIX_HUNSPELL_DIR", QFile::encodeName(folder));
@@ -224,7 +222,7 @@ void TestAppParts::editorShowsPreviousBaseWord()
 
 void TestAppParts::missingDictionaryOnlyDisablesChecking()
 {
-    qputenv("VOCABRIX_HUNSPELL_DIR", QFile::encodeName(m_dir->filePath(QStringLiteral("empty"))));
+    qputenv("VOCABRIX_HUNSPELL_DIR", QFile::encodeName(m_box->path(QStringLiteral("empty"))));
     MyDocument document;
     EntryEditor editor(&document);
     QSignalSpy notes(&editor, &EntryEditor::statusMessage);
@@ -241,15 +239,15 @@ void TestAppParts::fileDropsAreFilteredAndDeferred()
 {
     MyDocument document;
     FileTableModel model(&document);
-    const QString strings = TestSupport::writeFile(m_dir->filePath(QStringLiteral("A.strings")), "\"k\" = \"v\";\n");
-    const QString text = TestSupport::writeFile(m_dir->filePath(QStringLiteral("notes.txt")), "x");
-    QDir(m_dir->path()).mkpath(QStringLiteral("Plain/Contents"));
-    QDir(m_dir->path()).mkpath(QStringLiteral("Foo.app/Contents/Resources"));
+    const QString strings = m_box->write(QStringLiteral("A.strings"), "\"k\" = \"v\";\n");
+    const QString text = m_box->write(QStringLiteral("notes.txt"), "x");
+    QDir(m_box->path()).mkpath(QStringLiteral("Plain/Contents"));
+    QDir(m_box->path()).mkpath(QStringLiteral("Foo.app/Contents/Resources"));
 
-    std::unique_ptr<QMimeData> onlyText(fileDrag({text, m_dir->filePath(QStringLiteral("Plain"))}));
+    std::unique_ptr<QMimeData> onlyText(fileDrag({text, m_box->path(QStringLiteral("Plain"))}));
     QVERIFY(!model.canDropMimeData(onlyText.get(), Qt::CopyAction, -1, -1, QModelIndex()));
-    std::unique_ptr<QMimeData> bundle(fileDrag({m_dir->filePath(QStringLiteral("Foo.app")) + u'/'}));
-    QCOMPARE(FileTableModel::acceptedPaths(bundle.get()), QStringList{m_dir->filePath(QStringLiteral("Foo.app"))});
+    std::unique_ptr<QMimeData> bundle(fileDrag({m_box->path(QStringLiteral("Foo.app")) + u'/'}));
+    QCOMPARE(FileTableModel::acceptedPaths(bundle.get()), QStringList{m_box->path(QStringLiteral("Foo.app"))});
 
     std::unique_ptr<QMimeData> mixed(fileDrag({strings, text}));
     QVERIFY(model.canDropMimeData(mixed.get(), Qt::CopyAction, 0, 0, QModelIndex()));
@@ -268,7 +266,7 @@ void TestAppParts::rowDragsReorderFiles()
     MyDocument document;
     QList<QPair<QString, OptString>> paths;
     for (const char *name : {"A.strings", "B.strings", "C.strings"})
-        paths.append({TestSupport::writeFile(m_dir->filePath(QLatin1String(name)), "\"k\" = \"v\";\n"), std::nullopt});
+        paths.append({m_box->write(QLatin1String(name), "\"k\" = \"v\";\n"), std::nullopt});
     document.addFiles(paths);
     FileTableModel model(&document);
     FileTableModel other(&document);
@@ -323,7 +321,7 @@ void TestAppParts::controllerDocuments()
     DocumentWindow *blank = controller.newDocument();
     QCOMPARE(controller.windows().size(), 1);
 
-    const QString corrupt = TestSupport::writeFile(m_dir->filePath(QStringLiteral("bad.vocabrix")), "VOCABRIX\x00\x00");
+    const QString corrupt = m_box->write(QStringLiteral("bad.vocabrix"), "VOCABRIX\x00\x00");
     QVERIFY(!controller.openDocument(corrupt));
     QCOMPARE(dialogs.alerts().size(), 1);
     QVERIFY(dialogs.alerts().first().message.contains(QStringLiteral("bad.vocabrix")));
@@ -331,7 +329,7 @@ void TestAppParts::controllerDocuments()
 
     MyDocument saved;
     saved.setTitle(QStringLiteral("Saved"));
-    const QString path = m_dir->filePath(QStringLiteral("good.vocabrix"));
+    const QString path = m_box->path(QStringLiteral("good.vocabrix"));
     QVERIFY(saved.writeToFile(path));
     QPointer<DocumentWindow> blankWindow(blank);
     DocumentWindow *opened = controller.openDocument(path);
@@ -387,14 +385,14 @@ void TestAppParts::alertButtonsAnswerByIndex()
 
 void TestAppParts::openPanelChoosesBundles()
 {
-    const QString bundle = m_dir->filePath(QStringLiteral("Foo.app"));
+    const QString bundle = m_box->path(QStringLiteral("Foo.app"));
     QDir().mkpath(bundle + QLatin1String("/Contents/Resources"));
-    const QString table = TestSupport::writeFile(m_dir->filePath(QStringLiteral("A.strings")), "\"k\" = \"v\";\n");
+    const QString table = m_box->write(QStringLiteral("A.strings"), "\"k\" = \"v\";\n");
     OpenPanelOptions options;
     options.allowsMultipleSelection = true;
     options.allowedExtensions = QStringList{QStringLiteral("strings"), QStringLiteral("app")};
     options.bundleExtensions = QStringList{QStringLiteral("app")};
-    options.startFolder = m_dir->path();
+    options.startFolder = m_box->path();
     QtDialogs dialogs;
     for (const QString &choice : {bundle, table}) {
         whenShown<QFileDialog>([choice](QFileDialog *panel) {
@@ -404,9 +402,9 @@ void TestAppParts::openPanelChoosesBundles()
         QCOMPARE(dialogs.runOpenPanel(options), QStringList{choice});
     }
     // A plain folder is entered, not chosen: the panel stays open until cancelled.
-    QDir().mkpath(m_dir->filePath(QStringLiteral("Plain")));
+    QDir().mkpath(m_box->path(QStringLiteral("Plain")));
     whenShown<QFileDialog>([this](QFileDialog *panel) {
-        panel->selectFile(m_dir->filePath(QStringLiteral("Plain")));
+        panel->selectFile(m_box->path(QStringLiteral("Plain")));
         QMetaObject::invokeMethod(panel, "accept");
         QVERIFY(panel->isVisible());
         panel->reject();

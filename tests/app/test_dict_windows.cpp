@@ -47,7 +47,7 @@ private:
     QString dictPath() const { return DictionaryFiles::dictionaryFolder() + QLatin1String("/English-French.strings"); }
     DocumentWindow *windowOnCancelEntry();
     QStringList shownKeys(const DictPanel *panel) const;
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     std::unique_ptr<VXController> m_controller;
     ScriptedDialogs m_dialogs;
     AppTest::ScriptedSavePanel m_savePanel;
@@ -61,8 +61,7 @@ void TestDictWindows::initTestCase()
 
 void TestDictWindows::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
-    AppTest::isolate(*m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();
     TestSupport::writeFile(dictPath(), "\"Cancel\" = \"Annuler\";\n\"Cancel All\" = \"Tout annuler\";\n\"Open File\" = \"Ouvrir le fichier\";\n"
                                        "\"Open\" = \"Ouvrir\";\n\"OK\" = \"OK\";\n\"Goodbye\" = \"Au revoir\";\n");
     m_dialogs = ScriptedDialogs();
@@ -114,8 +113,8 @@ void TestDictWindows::oneBrowserPerPair()
 void TestDictWindows::browserImportsAndCleans()
 {
     DictBrowserWindow *browser = m_controller->showDictBrowserForPath(dictPath());
-    const QString table = TestSupport::writeFile(m_dir->filePath(QStringLiteral("more.strings")), "\"Save\" = \"Enregistrer\";\n\"Quit\" = \"Quit\";\n");
-    const QString bad = TestSupport::writeFile(m_dir->filePath(QStringLiteral("bad.tmx")), "<tmx><body>");
+    const QString table = m_box->write(QStringLiteral("more.strings"), "\"Save\" = \"Enregistrer\";\n\"Quit\" = \"Quit\";\n");
+    const QString bad = m_box->write(QStringLiteral("bad.tmx"), "<tmx><body>");
     m_dialogs.queuePanelAnswer(QStringList{table, bad});
     browser->action(QStringLiteral("Import"))->trigger();
     const OpenPanelOptions panel = m_dialogs.panels().first();
@@ -145,7 +144,7 @@ void TestDictWindows::browserImportsAndCleans()
 
 DocumentWindow *TestDictWindows::windowOnCancelEntry()
 {
-    const auto bundles = AppTest::writeBundles(*m_dir);
+    const auto bundles = AppTest::writeBundles(*m_box);
     DocumentWindow *window = m_controller->newDocument();
     window->document()->addFiles(QList<QPair<QString, OptString>>{{bundles.first, std::nullopt}});
     for (int row = 0; row < window->fileModel()->rowCount(); ++row)
@@ -239,7 +238,7 @@ void TestDictWindows::exportReachesPanelAndBrowser()
     window->entryEditor()->focusEditor();
     QTest::keyClicks(window->entryEditor()->entryField(), QStringLiteral("Abandonner"));
     window->entryEditor()->commit();
-    ExportResult result = window->document()->makeLocalizedFilesInto(window->document()->files(), m_dir->filePath(QStringLiteral("out")), true);
+    ExportResult result = window->document()->makeLocalizedFilesInto(window->document()->files(), m_box->path(QStringLiteral("out")), true);
     QVERIFY(!result.cancelled);
     const StringMap stored = *dictionaryWithContentsOfFile(dictPath());
     QCOMPARE(stored.value(QStringLiteral("Open")), QStringLiteral("Ouvrir\u2026"));

@@ -56,10 +56,10 @@ private slots:
     void interfaceFileFromTwoTables();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     std::shared_ptr<FakeStringsHandler> m_fake;
     ScriptedDialogs m_dialogs;
-    QString path(const QString &relative) const { return m_dir->filePath(relative); }
+    QString path(const QString &relative) const { return m_box->path(relative); }
     QString file(const QString &relative, const QByteArray &bytes = "\"k\" = \"v\";\n")
     {
         return TestSupport::writeFile(path(relative), bytes);
@@ -68,10 +68,7 @@ private:
 
 void TestAddFiles::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();  // a fresh tree per test
-    QVERIFY(m_dir->isValid());
-    TestSupport::isolate(*m_dir);
-    isolateDataHome(*m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();  // a fresh tree per test
     m_fake = installFakeStringsHandler();
     HandlerRegistry::registerHandler(HandlerKind::Ibtool, nullptr);
     m_dialogs = ScriptedDialogs();

@@ -10,9 +10,11 @@
 #include "MyDocument.h"
 #include "ScriptedDialogs.h"
 #include "Settings.h"
-#include "TestSupport.h"
+#include "CaseData.h"
 
 #include <QTimer>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -52,10 +54,10 @@ QStringList split(const QString &list)
 
 class TestBundleLayout : public QObject {
     Q_OBJECT
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     std::shared_ptr<FakeStringsHandler> m_fake;
     ScriptedDialogs m_dialogs;
-    QString path(const QString &relative) const { return m_dir->filePath(relative); }
+    QString path(const QString &relative) const { return m_box->path(relative); }
     void files(const QString &under, std::initializer_list<const char *> names, const QByteArray &bytes = "\"k\" = \"v\";\n")
     {
         for (const QString &name : strings(names)) TestSupport::writeFile(path(under + u'/' + name), bytes);
@@ -64,9 +66,7 @@ class TestBundleLayout : public QObject {
 private slots:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        TestSupport::isolate(*m_dir);
-        isolateDataHome(*m_dir);
+        m_box = std::make_unique<TestSupport::Sandbox>();  // a fresh tree per test
         m_fake = installFakeStringsHandler();
         m_dialogs = ScriptedDialogs();
         setInterfaceLanguage(QStringLiteral("en"));
@@ -78,23 +78,7 @@ private slots:
         qunsetenv("VOCABRIX_SYSTEM_VERSION");
     }
 
-    void languageFolders_data()
-    {
-        QTest::addColumn<QString>("folders");
-        QTest::addColumn<QString>("language");
-        QTest::addColumn<QString>("candidates");
-        QTest::addColumn<QString>("newFolder");
-        QTest::newRow("key") << "English,French" << "fr" << "French.lproj" << "French.lproj";
-        QTest::newRow("abbreviation beside a regional form") << "Base,fr,fr_CA" << "fr" << "fr.lproj" << "fr.lproj";
-        QTest::newRow("single regional folder") << "Base,en,ja_JP" << "ja" << "ja_JP.lproj" << "ja.lproj";
-        QTest::newRow("regional key, other separator") << "en,pt-BR,pt_PT" << "pt_BR" << "pt-BR.lproj" << "pt-BR.lproj";
-        QTest::newRow("two regions: a question") << "Base,ja_JP,ja-Kana" << "ja" << "ja-Kana.lproj,ja_JP.lproj" << "ja.lproj";
-        QTest::newRow("none, Base.lproj: abbreviation style") << "Base,de" << "fr" << "" << "fr.lproj";
-        QTest::newRow("none, abbreviations") << "de,es" << "fr" << "" << "fr.lproj";
-        QTest::newRow("none, keys") << "English,German" << "fr" << "" << "French.lproj";
-        QTest::newRow("no folders: the key") << "" << "fr" << "" << "French.lproj";
-        QTest::newRow("hidden folders are none") << "._fr,English" << "fr" << "" << "French.lproj";
-    }
+    void languageFolders_data() { TestSupport::addTableRows(u"document"_s, u"language-folders.tsv"_s, {u"folders"_s, u"language"_s, u"candidates"_s, u"newFolder"_s}); }
     void languageFolders()
     {
         QFETCH(QString, folders);
@@ -195,32 +179,14 @@ private slots:
 
     void exportFolder_data()
     {
-        QTest::addColumn<QString>("resources");
-        QTest::addColumn<QString>("folders");
-        QTest::addColumn<QString>("choice");          // --lproj, or empty
-        QTest::addColumn<QList<int>>("answers");      // alert buttons, in order, for the panel's way
-        QTest::addColumn<QString>("expected");        // the folder written into; empty: refused
-        QTest::addColumn<QString>("panelExpected");
-        const QString app = QStringLiteral("Out.app/Contents/Resources");
-        QTest::newRow("made in the abbreviation style") << app << "Base,en" << "" << QList<int>{} << "ja.lproj" << "ja.lproj";
-        QTest::newRow("made in the key style") << app << "English" << "" << QList<int>{} << "Japanese.lproj" << "Japanese.lproj";
-        QTest::newRow("framework, versioned")
-            << "Out.framework/Versions/Current/Resources" << "Base" << "" << QList<int>{} << "ja.lproj" << "ja.lproj";
-        QTest::newRow("single regional folder: the overwrite warning")
-            << app << "Base,ja_JP" << "" << QList<int>{0} << "ja_JP.lproj" << "ja_JP.lproj";
-        QTest::newRow("two regional folders: refused, or asked")
-            << app << "Base,ja_JP,ja-Kana" << "" << QList<int>{1, 0} << "" << "ja_JP.lproj";
-        QTest::newRow("two regional folders, one named")
-            << app << "Base,ja_JP,ja-Kana" << "ja-Kana.lproj" << QList<int>{0} << "ja-Kana.lproj" << "ja-Kana.lproj";
-        QTest::newRow("two regional folders, the question cancelled")
-            << app << "Base,ja_JP,ja-Kana" << "" << QList<int>{2} << "" << "";
+        TestSupport::addTableRows(u"document"_s, u"export-folders.tsv"_s, {u"resources"_s, u"folders"_s, u"choice"_s, u"answers"_s, u"expected"_s, u"panelExpected"_s});
     }
     void exportFolder()
     {
         QFETCH(QString, resources);
         QFETCH(QString, folders);
         QFETCH(QString, choice);
-        QFETCH(QList<int>, answers);
+        QFETCH(QString, answers);
         QFETCH(QString, expected);
         QFETCH(QString, panelExpected);
         files(QStringLiteral("In/en.lproj"), {"A.strings"});
@@ -237,7 +203,7 @@ private slots:
             if (panel) {
                 m_dialogs.queuePanelAnswer(bundle);
                 m_dialogs.queuePanelCancel();  // after a cancelled question the panel comes again
-                for (int a : answers) m_dialogs.queueAlertButton(a);
+                for (const QString &a : split(answers)) m_dialogs.queueAlertButton(a.toInt());
                 result = doc.makeAllLocalizedFilesAction();
             } else {
                 QString refusal;

@@ -28,7 +28,7 @@ private slots:
     void spellCheckingIsSavedWithTheDocument();
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     std::shared_ptr<FakeStringsHandler> m_fake;
     // A document with two files of three entries, one entry translated.
     void fill(MyDocument &doc);
@@ -36,9 +36,7 @@ private:
 
 void TestDocumentArchive::init()
 {
-    QVERIFY(m_dir.isValid());
-    TestSupport::isolate(m_dir);
-    isolateDataHome(m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();  // a fresh tree per test
     m_fake = installFakeStringsHandler();
 }
 
@@ -49,9 +47,9 @@ void TestDocumentArchive::cleanup()
 
 void TestDocumentArchive::fill(MyDocument &doc)
 {
-    const QString a = TestSupport::writeFile(m_dir.filePath(QStringLiteral("en.lproj/A.strings")),
+    const QString a = TestSupport::writeFile(m_box->path(QStringLiteral("en.lproj/A.strings")),
                                              "\"k1\" = \"One\";\n\"k2\" = \"Two\";\n\"k3\" = \" \";\n");
-    const QString b = TestSupport::writeFile(m_dir.filePath(QStringLiteral("en.lproj/B.strings")),
+    const QString b = TestSupport::writeFile(m_box->path(QStringLiteral("en.lproj/B.strings")),
                                              "\"q\" = \"Quitter \xE2\x86\x92 now\";\n");
     doc.addFiles(QList<QPair<QString, OptString>>{{a, std::nullopt}, {b, std::nullopt}});
     QCOMPARE(doc.files().size(), 2);
@@ -187,7 +185,7 @@ void TestDocumentArchive::fileLifecycle()
     QCOMPARE(doc.displayName(), QStringLiteral("Untitled"));
     fill(doc);
     QVERIFY(doc.isDocumentEdited());
-    const QString path = m_dir.filePath(QStringLiteral("Project.") + MyDocument::documentExtension());
+    const QString path = m_box->path(QStringLiteral("Project.") + MyDocument::documentExtension());
     QString error;
     QVERIFY2(doc.writeToFile(path, &error), qPrintable(error));
     QVERIFY(!doc.isDocumentEdited());
@@ -205,20 +203,20 @@ void TestDocumentArchive::fileLifecycle()
     MyDocument opened;
     QVERIFY(opened.readFromFile(path, &error));
     QCOMPARE(opened.files().size(), 2);
-    QCOMPARE(QDir(m_dir.path()).entryList({QStringLiteral("Project*")}), QStringList{QStringLiteral("Project.vocabrix")});
+    QCOMPARE(QDir(m_box->path()).entryList({QStringLiteral("Project*")}), QStringList{QStringLiteral("Project.vocabrix")});
 }
 
 void TestDocumentArchive::unwritableAndMissingFiles()
 {
     MyDocument doc;
     QString error;
-    const QString blocker = TestSupport::writeFile(m_dir.filePath(QStringLiteral("plainfile")), "x");
+    const QString blocker = TestSupport::writeFile(m_box->path(QStringLiteral("plainfile")), "x");
     QVERIFY(!doc.writeToFile(blocker + QLatin1String("/Doc.vocabrix"), &error));
     QVERIFY(error.contains(QLatin1String("could not be saved")));
-    QVERIFY(!doc.readFromFile(m_dir.filePath(QStringLiteral("Nowhere.vocabrix")), &error));
+    QVERIFY(!doc.readFromFile(m_box->path(QStringLiteral("Nowhere.vocabrix")), &error));
     QVERIFY(error.contains(QLatin1String("Nowhere.vocabrix")));
-    TestSupport::writeFile(m_dir.filePath(QStringLiteral("Foreign.vocabrix")), "PK\x03\x04 zip");
-    QVERIFY(!doc.readFromFile(m_dir.filePath(QStringLiteral("Foreign.vocabrix")), &error));
+    TestSupport::writeFile(m_box->path(QStringLiteral("Foreign.vocabrix")), "PK\x03\x04 zip");
+    QVERIFY(!doc.readFromFile(m_box->path(QStringLiteral("Foreign.vocabrix")), &error));
     QVERIFY(error.contains(QLatin1String("Foreign.vocabrix")) && error.contains(QLatin1String("not a Vocabrix document")));
     QVERIFY(!doc.revertToSaved(&error));
     QVERIFY(doc.filePath().isEmpty());
@@ -281,7 +279,7 @@ void TestDocumentArchive::spellCheckingIsSavedWithTheDocument()
     windowed.setContinuousSpellCheckingState(true);
     windowed.dataRepresentationOfType();
     QCOMPARE(settings.value(SettingsKey::ContinuousSpellCheckingEnabled), QVariant(true));
-    QVERIFY(TestSupport::readFile(m_dir.filePath(QStringLiteral("settings.ini"))).contains("ContinuousSpellCheckingEnabled"));
+    QVERIFY(TestSupport::readFile(m_box->path(QStringLiteral("settings.ini"))).contains("ContinuousSpellCheckingEnabled"));
 }
 
 QTEST_GUILESS_MAIN(TestDocumentArchive)

@@ -32,11 +32,11 @@ private slots:
     void destinationWithoutPanel();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     std::shared_ptr<FakeStringsHandler> m_fake;
     ScriptedDialogs m_dialogs;
     std::unique_ptr<MyDocument> m_doc;
-    QString path(const QString &relative) const { return m_dir->filePath(relative); }
+    QString path(const QString &relative) const { return m_box->path(relative); }
     // Two files in r/English.lproj; A's "Open" is translated, B holds "Open" too.
     void fill();
     QString dictionary() const { return m_doc->dictionaryPath(); }
@@ -44,10 +44,7 @@ private:
 
 void TestExport::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-    TestSupport::isolate(*m_dir);
-    isolateDataHome(*m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();  // a fresh tree per test
     setInterfaceLanguage(QStringLiteral("en"));
     m_fake = installFakeStringsHandler();
     m_dialogs = ScriptedDialogs();

@@ -62,14 +62,12 @@ private slots:
     void interfaceTexts();
 
 private:
-    QTemporaryDir m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
 };
 
 void TestLanguages::init()
 {
-    QVERIFY(m_dir.isValid());
-    TestSupport::isolate(m_dir);
-    isolateDataHome(m_dir);
+    m_box = std::make_unique<TestSupport::Sandbox>();  // a fresh tree per test
     VXControllerModel::initialize();
 }
 
@@ -122,7 +120,7 @@ void TestLanguages::tagLookup()
 {
     QFETCH(int, tag);
     QFETCH(QString, key);
-    Languages::setTablePath(writeTable(m_dir.filePath(QStringLiteral("t.plist")), 12));
+    Languages::setTablePath(writeTable(m_box->path(QStringLiteral("t.plist")), 12));
     const OptString k = languageKeyForLanguage(tag);
     const OptString a = languageAbbreviationForLanguage(tag);
     if (key.isEmpty()) {
@@ -136,7 +134,7 @@ void TestLanguages::tagLookup()
 
 void TestLanguages::popupsHoldEveryRowInKeyOrder()
 {
-    Languages::setTablePath(writeTable(m_dir.filePath(QStringLiteral("t.plist")), 12));
+    Languages::setTablePath(writeTable(m_box->path(QStringLiteral("t.plist")), 12));
     RecordingPopup from, to;
     from.addItemWithTitle(QStringLiteral("stale"));
     setLanguageNameForPopupButtons({&from, &to});
@@ -153,11 +151,11 @@ void TestLanguages::popupsHoldEveryRowInKeyOrder()
 
 void TestLanguages::gapsAndMissingTable()
 {
-    Languages::setTablePath(writeTable(m_dir.filePath(QStringLiteral("gap.plist")), 4, {3}));
+    Languages::setTablePath(writeTable(m_box->path(QStringLiteral("gap.plist")), 4, {3}));
     QVERIFY(!languageKeyForLanguage(3));  // position 3 is row "04", but tag 3 reads row "03"
     QCOMPARE(languageKeyForLanguage(4), OptString(QStringLiteral("Key4")));
 
-    Languages::setTablePath(m_dir.filePath(QStringLiteral("missing.plist")));
+    Languages::setTablePath(m_box->path(QStringLiteral("missing.plist")));
     QVERIFY(languageDictionary().isEmpty());
     RecordingPopup popup;
     popup.addItemWithTitle(QStringLiteral("stale"));
@@ -250,7 +248,7 @@ void TestLanguages::bundleTypesAndAcceptedTypes()
     QVERIFY(isBundlePath(QStringLiteral("/x/Foo.app/"), bundles));
     QVERIFY(!isBundlePath(QStringLiteral("/x/Foo.APP"), bundles));
 
-    VXControllerModel::setBundleTypesPath(m_dir.filePath(QStringLiteral("none.plist")));
+    VXControllerModel::setBundleTypesPath(m_box->path(QStringLiteral("none.plist")));
     QVERIFY(VXControllerModel::readBundleTypes().isEmpty());
 }
 
