@@ -60,7 +60,9 @@ void TestCliScripts::scripts()
         else if (op == QLatin1String("empty")) ok = QDir(a).isEmpty();
         else if (op == QLatin1String("files")) ok = QDir(a).entryList(QDir::Files | QDir::Hidden).size() == b.toInt();
         else QFAIL(qPrintable(QStringLiteral("unknown step: ") + step));
-        if (!ok && op != QLatin1String("run")) qWarning("output was:\n%s\n%s holds:\n%s", last.out.constData(), qPrintable(a), qPrintable(text));
+        if (!ok && op != QLatin1String("run"))
+            qWarning("the last run printed:\n%s\non its error stream:\n%s\n%s", last.out.constData(), last.err.constData(),
+                     qPrintable(QFileInfo(a).isFile() ? a + QLatin1String(" holds:\n") + text : QString()));
         QVERIFY2(ok, qPrintable(step));
     }
 }
