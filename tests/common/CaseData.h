@@ -73,7 +73,12 @@ inline QList<QStringList> readCaseTable(const QString &path, int columns)
 // Columns named `names`, all QString, one row per line of tests/data/<area>/<table>.tsv.
 inline void addTableRows(const QString &area, const QString &table, const QStringList &names)
 {
-    for (const QString &n : names) QTest::addColumn<QString>(qPrintable(n));
+    // QTest keeps the column name's pointer, so the names must outlive the test.
+    static QList<QByteArray> kept;
+    for (const QString &n : names) {
+        kept.append(n.toUtf8());
+        QTest::addColumn<QString>(kept.last().constData());
+    }
     const auto rows = readCaseTable(dataDir(area) + u'/' + table, int(names.size()) + 1);
     for (const QStringList &row : rows) {
         auto &r = QTest::newRow(qPrintable(row[0]));
