@@ -425,9 +425,9 @@ void TestDictionary::searchFolding()
 void TestDictionary::completionOrder()
 {
     DictController panel;
-    const QString path = write(QString("dict.strings"), "\"a\" = \"Ouvrir\";\n\"b\" = \"Ou\";\n\"c\" = \"ouvert\";\n"
-                                                             "\"d\" = \"Oubli\";\n\"e\" = \"Ouvrir\";\n\"f\" = \"O\u00f9\";\n");
-    panel.setPath(path);
+    const QString table = write(QString("dict.strings"), "\"a\" = \"Ouvrir\";\n\"b\" = \"Ou\";\n\"c\" = \"ouvert\";\n"
+                                                              "\"d\" = \"Oubli\";\n\"e\" = \"Ouvrir\";\n\"f\" = \"O\u00f9\";\n");
+    panel.setPath(table);
     panel.lookup(QString("zzz"));  // completion does not depend on what is shown
     QCOMPARE(panel.valuesStartFromString(QString("Ou")), (QStringList{"Ouvrir", "Oubli", "Ouvrir"}));
     QCOMPARE(panel.valuesStartFromString(QString()).size(), 6);

@@ -346,19 +346,19 @@ void TestE2EBundle::everyWriterReplacesTheFileWhole()
     doc.setDialogs(&dialogs);
     std::function<bool()> write;
     QString path;
+    StringMap pairs;
+    pairs.insert(QStringLiteral("Open"), QStringLiteral("Ouvrir"));
+    QList<LocFilePtr> one;
     if (file == QLatin1String("document")) {
         path = m_box->path(QStringLiteral("Doc.vocabrix"));
         write = [&] { return doc.writeToFile(path); };
     } else if (file.startsWith(QLatin1String("dictionary"))) {
         path = doc.dictionaryPath();
-        StringMap pairs;
-        pairs.insert(QStringLiteral("Open"), QStringLiteral("Ouvrir"));
         if (file.endsWith(QLatin1String("merge"))) write = [&] { return mergeIntoDictionary(path, pairs, nullptr).written; };
         else write = [&] { DictWindowController browser(path); browser.addDictionary(pairs); return browser.saveDictionary(); };
     } else {
         const QString samples = QStringLiteral(VOCABRIX_SOURCE_DIR "/samples/");
         doc.addFiles(QList<QPair<QString, OptString>>{{samples + QLatin1String("Notekeeper.app"), samples + QLatin1String("Notekeeper-1.0.app")}});
-        QList<LocFilePtr> one;
         for (const LocFilePtr &f : doc.files())
             if (f->fileName() == file) one.append(f);
         QCOMPARE(one.size(), 1);
