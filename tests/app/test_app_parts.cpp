@@ -5,6 +5,7 @@
 // The cases are tables of UTF-8 literals; the program itself converts every byte explicitly.
 #undef QT_NO_CAST_FROM_ASCII
 #include "AppTestSupport.h"
+#include "CaseData.h"
 #include "DictBrowserWindow.h"
 #include "DictController.h"
 #include "DictPanel.h"
@@ -28,8 +29,6 @@
 #include "SpellHighlighter.h"
 #include "StringsTable.h"
 #include "VXController.h"
-#include "test_app_parts.moc"
-#include "test_dict_windows.moc"
 
 #include <QAction>
 #include <QApplication>
@@ -146,58 +145,29 @@ private slots:
         qunsetenv("VOCABRIX_HUNSPELL_DIR");
     }
 
-    void movedRows_data()
-    {
-        QTest::addColumn<QList<int>>("rows");
-        QTest::addColumn<int>("to");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("first down before last") << QList<int>{0} << 3 << QStringLiteral("BCAD");
-        QTest::newRow("last to top") << QList<int>{3} << 0 << QStringLiteral("DABC");
-        QTest::newRow("below last row") << QList<int>{1} << 4 << QStringLiteral("ACDB");
-        QTest::newRow("two rows down keep order") << QList<int>{1, 0} << 4 << QStringLiteral("CDABE");
-        QTest::newRow("two rows up") << QList<int>{3, 4} << 0 << QStringLiteral("DEABC");
-        QTest::newRow("onto itself") << QList<int>{2} << 2 << QStringLiteral("ABCD");
-        QTest::newRow("index outside ignored") << QList<int>{9, 0} << 2 << QStringLiteral("BACD");
-    }
-
+    void movedRows_data() { TestSupport::addTableRows("app", "moved-rows.tsv", {"rows", "to", "expected"}); }
     void movedRows()
     {
-        QFETCH(QList<int>, rows);
-        QFETCH(int, to);
+        QFETCH(QString, rows);
+        QFETCH(QString, to);
         QFETCH(QString, expected);
+        QList<int> moving;
+        for (const QString &r : rows.split(u',')) moving.append(r.toInt());
         QList<QChar> list;
         for (QChar c : QStringView(u"ABCDE").left(expected.size())) list.append(c);
-        const QList<QChar> moved = ::movedRows(list, rows, to);
+        const QList<QChar> moved = ::movedRows(list, moving, to.toInt());
         QCOMPARE(QString(moved.constData(), moved.size()), expected);
     }
 
-    void dictionaryNames_data()
-    {
-        QTest::addColumn<QString>("abbreviation");
-        QTest::addColumn<QStringList>("available");
-        QTest::addColumn<QString>("expected");
-        const QStringList installed{QStringLiteral("de_AT"), QStringLiteral("de_DE"), QStringLiteral("en_GB"), QStringLiteral("en_US"),
-                                    QStringLiteral("fr"), QStringLiteral("fr_CA"), QStringLiteral("fr_FR"), QStringLiteral("pt_BR"),
-                                    QStringLiteral("pt_PT"), QStringLiteral("sv_FI"), QStringLiteral("sv_SE"), QStringLiteral("zh_CN")};
-        QTest::newRow("fr") << "fr" << installed << "fr_FR";
-        QTest::newRow("de") << "de" << installed << "de_DE";
-        QTest::newRow("en is US") << "en" << installed << "en_US";
-        QTest::newRow("sv is SE") << "sv" << installed << "sv_SE";
-        QTest::newRow("region given") << "pt-BR" << installed << "pt_BR";
-        QTest::newRow("script, then any region") << "zh-Hans" << installed << "zh_CN";
-        QTest::newRow("bare name only") << "fr" << QStringList{QStringLiteral("fr")} << "fr";
-        QTest::newRow("other region only") << "de" << QStringList{QStringLiteral("de_CH")} << "de_CH";
-        QTest::newRow("none for language") << "ja" << installed << "";
-        QTest::newRow("no abbreviation") << "" << installed << "";
-        QTest::newRow("prefix is not a language") << "f" << installed << "";
-    }
-
+    void dictionaryNames_data() { TestSupport::addTableRows("app", "spelling-dictionaries.tsv", {"abbreviation", "available", "expected"}); }
     void dictionaryNames()
     {
         QFETCH(QString, abbreviation);
-        QFETCH(QStringList, available);
+        QFETCH(QString, available);
         QFETCH(QString, expected);
-        QCOMPARE(SpellChecker::dictionaryNameFor(abbreviation, available), expected);
+        const QStringList installed = available == "*" ? QString("de_AT de_DE en_GB en_US fr fr_CA fr_FR pt_BR pt_PT sv_FI sv_SE zh_CN").split(u' ')
+                                                       : QStringList{available};
+        QCOMPARE(SpellChecker::dictionaryNameFor(abbreviation, installed), expected);
     }
 
     void spellingWithOwnDictionary()

@@ -389,18 +389,6 @@ private slots:
         QVERIFY(!QFileInfo::exists(dictionary()));  // cancelled: nothing written, nothing merged
     }
 
-    void bundleWithoutLanguageFolderGetsKeyFolder()
-    {
-        fill();
-        // Folders named by keys: the new one is too (abbreviation-named ones: see test_bundle_layout).
-        QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/German.lproj")));
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QCOMPARE(r.folder, path(QStringLiteral("T.app/Contents/Resources/French.lproj")));
-        QVERIFY(QFileInfo::exists(r.folder + QLatin1String("/B.strings")));
-        QVERIFY(m_dialogs.alerts().isEmpty());
-    }
-
     void bundleWithAbbreviationFolderWarns()
     {
         fill();
