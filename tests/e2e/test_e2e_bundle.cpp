@@ -322,7 +322,7 @@ private slots:
     void everyWriterReplacesTheFileWhole_data()
     {
         QTest::addColumn<QString>("file");  // what is written, and how
-        for (const char *row : {"document", "dictionary merge", "dictionary browser", "Localizable.strings", "Templates.plist", "Preferences.xib"})
+        for (const char *row : {"document", "dictionary merge", "dictionary browser", "Localizable.strings", "Templates.plist", "Preferences.xib", "vocabrix-ibtool --write"})
             QTest::newRow(row) << row;
     }
     void everyWriterReplacesTheFileWhole()
@@ -343,6 +343,12 @@ private slots:
             path = doc.dictionaryPath();
             if (file.endsWith(QLatin1String("merge"))) write = [&] { return mergeIntoDictionary(path, pairs, nullptr).written; };
             else write = [&] { DictWindowController browser(path); browser.addDictionary(pairs); return browser.saveDictionary(); };
+        } else if (file.startsWith(QLatin1String("vocabrix-ibtool"))) {
+            // The export removes its old interface file before the tool writes; here the tool's own writer.
+            path = m_box->path(QStringLiteral("tool/Out.xib"));
+            const QStringList args{QStringLiteral(VOCABRIX_SOURCE_DIR "/samples/Notekeeper.app/Contents/Resources/en.lproj/Preferences.xib"),
+                                   "--strings-file", m_box->write("tool/t.strings", "\"Kp2-9d-Lx1.title\" = \"Ouvrir\";\n"), "--write", path};
+            write = [&, args] { return TestSupport::runProgram(TestSupport::toolPath("vocabrix-ibtool"), args).exitCode == 0; };
         } else {
             const QString samples = QStringLiteral(VOCABRIX_SOURCE_DIR "/samples/");
             doc.addFiles(QList<QPair<QString, OptString>>{{samples + QLatin1String("Notekeeper.app"), samples + QLatin1String("Notekeeper-1.0.app")}});
