@@ -679,27 +679,18 @@ private slots:
     }
     void languageChangesOnlyOnPurpose_data()
     {
-        QTest::addColumn<bool>("base");
-        QTest::addColumn<int>("tag");  // 0: the other side's language
-        QTest::addColumn<bool>("withEntries");
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<bool>("changed");
-        QTest::addColumn<int>("alerts");
-        QTest::newRow("no entries: no question") << false << 3 << false << 0 << true << 0;
-        QTest::newRow("entries, confirmed") << false << 3 << true << 0 << true << 1;
-        QTest::newRow("entries, cancelled") << false << 3 << true << 1 << false << 1;
-        QTest::newRow("base cancelled") << true << 3 << true << 1 << false << 1;
-        QTest::newRow("same language as the target") << true << 0 << false << 0 << false << 1;
-        QTest::newRow("same language as the base") << false << 0 << true << 0 << false << 1;
+        TestSupport::addTableRows(S("app"), S("language-changes.tsv"), {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts")});
     }
     void languageChangesOnlyOnPurpose()
     {
-        QFETCH(bool, base);
-        QFETCH(int, tag);
-        QFETCH(bool, withEntries);
-        QFETCH(int, answer);
-        QFETCH(bool, changed);
-        QFETCH(int, alerts);
+        QFETCH(QString, side);
+        QFETCH(QString, chosen);
+        QFETCH(QString, entries);
+        QFETCH(QString, answer);
+        QFETCH(QString, changed);
+        QFETCH(QString, alerts);
+        const bool base = side == S("b"), withEntries = entries == S("y");
+        int tag = chosen.toInt();
         if (withEntries) addThreeFiles();
         MyDocument *doc = m_window->document();
         const int before = base ? doc->locLangFrom() : doc->locLangTo();
@@ -707,13 +698,13 @@ private slots:
         QVERIFY(tag != before);
         LanguageComboBox *popup = base ? m_window->languageFromPp() : m_window->languageToPp();
         m_dialogs.clearLog();
-        m_dialogs.queueAlertButton(answer);
+        m_dialogs.queueAlertButton(answer.toInt());
         const int index = popup->findData(tag);
         popup->setCurrentIndex(index);
         emit popup->activated(index);
-        QCOMPARE(m_dialogs.alerts().size(), alerts);
+        QCOMPARE(m_dialogs.alerts().size(), alerts.toInt());
         const int now = base ? doc->locLangFrom() : doc->locLangTo();
-        QCOMPARE(now, changed ? tag : before);
+        QCOMPARE(now, changed == S("y") ? tag : before);
         QCOMPARE(popup->selectedTag(), now);
         QCOMPARE(doc->locLangFrom() == doc->locLangTo(), false);
         QCOMPARE(popup->focusPolicy(), Qt::ClickFocus);
@@ -722,18 +713,7 @@ private slots:
         doc->setLocLangFrom(doc->locLangTo() == 4 ? 5 : 4);
         QCOMPARE(m_window->languageFromPp()->selectedTag(), doc->locLangFrom());
     }
-    void undoRedoEachKind_data()
-    {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("step");
-        QTest::newRow("typing a word") << QStringLiteral("typing") << QStringLiteral("Typing");
-        QTest::newRow("the check box") << QStringLiteral("check box") << QStringLiteral("Check Mark");
-        QTest::newRow("a mark in the table") << QStringLiteral("table mark") << QStringLiteral("Check Mark");
-        QTest::newRow("Check and Next, two entries") << QStringLiteral("check several") << QStringLiteral("Check and Next");
-        QTest::newRow("the title, typed") << QStringLiteral("title") << QStringLiteral("Title");
-        QTest::newRow("the base language") << QStringLiteral("language") << QStringLiteral("Base Language");
-        QTest::newRow("files reordered by dragging") << QStringLiteral("order") << QStringLiteral("Move Files");
-    }
+    void undoRedoEachKind_data() { TestSupport::addTableRows(S("app"), S("undo-steps.tsv"), {S("kind"), S("step")}); }
     void undoRedoEachKind()
     {
         QFETCH(QString, kind);
