@@ -3,6 +3,7 @@
 // language table with everything derived from a tag (keys, abbreviations, folder names, popups,
 // the dictionary of a document's pair), the bundle types, the registered settings and the
 // interface texts that ship beside them.
+#include "CaseData.h"
 #include "DocumentArchive.h"
 #include "DocumentTestSupport.h"
 #include "Languages.h"
@@ -326,23 +327,12 @@ private slots:
             QVERIFY2(abbreviations.contains(QLatin1String(modern)), modern);
     }
 
-    void tagLookup_data()
-    {
-        QTest::addColumn<int>("tag");
-        QTest::addColumn<QString>("key");  // empty: no row
-        QTest::newRow("1 reads 01") << 1 << "Key1";
-        QTest::newRow("9 reads 09") << 9 << "Key9";
-        QTest::newRow("10 reads 10") << 10 << "Key10";
-        QTest::newRow("12, the last") << 12 << "Key12";
-        QTest::newRow("0 reads 00") << 0 << "";
-        QTest::newRow("beyond the last") << 13 << "";
-        QTest::newRow("negative") << -1 << "";
-    }
-
+    void tagLookup_data() { TestSupport::addTableRows(QStringLiteral("document"), QStringLiteral("tags.tsv"), {QStringLiteral("tagText"), QStringLiteral("key")}); }
     void tagLookup()
     {
-        QFETCH(int, tag);
+        QFETCH(QString, tagText);
         QFETCH(QString, key);
+        const int tag = tagText.toInt();
         Languages::setTablePath(writeTable(m_box->path(QStringLiteral("t.plist")), 12));
         const OptString k = languageKeyForLanguage(tag);
         const OptString a = languageAbbreviationForLanguage(tag);
@@ -392,23 +382,12 @@ private slots:
         QVERIFY(!refused.message.isEmpty());
     }
 
-    void languagesFromText_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("tag");
-        QTest::newRow("tag") << "2" << 2;
-        QTest::newRow("key") << "French" << 2;
-        QTest::newRow("abbreviation") << "fr" << 2;
-        QTest::newRow("letter case ignored") << "ENGLISH" << 1;
-        QTest::newRow("unknown") << "Klingon" << 0;
-        QTest::newRow("tag without row") << "0" << 0;
-    }
-
+    void languagesFromText_data() { TestSupport::addTableRows(QStringLiteral("document"), QStringLiteral("language-names.tsv"), {QStringLiteral("text"), QStringLiteral("tag")}); }
     void languagesFromText()
     {
         QFETCH(QString, text);
-        QFETCH(int, tag);
-        QCOMPARE(tagForLanguage(text).value_or(0), tag);
+        QFETCH(QString, tag);
+        QCOMPARE(tagForLanguage(text).value_or(0), tag.toInt());
         const auto zh = tagForLanguage(QStringLiteral("zh-hans"));
         QVERIFY(zh);
         QCOMPARE(languageAbbreviationForLanguage(*zh), OptString(QStringLiteral("zh-Hans")));
