@@ -1,64 +1,841 @@
-// The document window's wiring, driven headless: every panel and alert is answered by
-// ScriptedDialogs, Save As by a scripted save panel. The window is built on the real handlers and
-// a small bundle with a previous release.
+// The document window, driven headless: every panel and alert answered by ScriptedDialogs, Save
+// As by a scripted save panel, on the real handlers. Only what the window does: its item models,
+// editing in the tables and the editor, the close question, undo, the toolbar and its
+// customization, the Files drawer, the file table's menu, clicks and keys, the progress panel,
+// and the sheets that tell what the command line prints.
 #include "AppTestSupport.h"
+#include "CaseData.h"
+#include "CustomizeToolbarDialog.h"
+#include "DocumentUndo.h"
 #include "DocumentWindow.h"
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
+#include "FileTableMenu.h"
 #include "FileTableModel.h"
+#include "FilesDrawer.h"
 #include "Handlers.h"
 #include "LanguageComboBox.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
+#include "ProgressPanel.h"
 #include "ScriptedDialogs.h"
 #include "Settings.h"
 #include "StringsTable.h"
+#include "ToolbarController.h"
 
 #include <QAction>
-#include <QBrush>
 #include <QApplication>
+#include <QBrush>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QProgressBar>
+#include <QProgressDialog>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTableView>
+#include <QToolBar>
+#include <QUndoStack>
 
 using StringUtility::wordOrEmpty;
+using TestSupport::S;
+
+namespace {
+QStringList names(std::initializer_list<const char *> items)
+{
+    QStringList list;
+    for (const char *item : items) list.append(S(item));
+    return list;
+}
+}  // namespace
 
 class TestDocumentWindow : public QObject {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void fileCommandsNeedFiles();
-    void addingBundleFillsFileTable();
-    void entryTableFollowsSelectedFile();
-    void editingLocalizedWordInTable();
-    void typingInEntryEditor();
-    void checkBoxGoesThroughSwitchButton();
-    void checkAndNextMovesOn();
-    void hidingCheckedEntries();
-    void searchFiltersEveryFile();
-    void languagePopupsChangeDocument();
-    void titleField();
-    void busyIndicatorFollowsLoading();
-    void closeAsksAboutUnsavedChanges_data();
-    void closeAsksAboutUnsavedChanges();
-    void revertGoesBackToSavedFile();
-    void deleteAsksFirst();
-    void exportTakesSelectionAndPendingEdit();
-    void spellingStateIsSavedWithDocument();
-    void grabShowsWindow();
-    void tableProblemsAndNotesAreShown();
+    void initTestCase()
+    {
+        registerResourceHandlers();
+        setInterfaceLanguage(QStringLiteral("en"));
+    }
+    void init()
+    {
+        m_box = std::make_unique<TestSupport::Sandbox>();
+        std::tie(m_bundle, m_previous) = AppTest::writeBundles(*m_box);
+        m_dialogs = ScriptedDialogs();
+        m_savePanel = AppTest::ScriptedSavePanel();
+        m_window = newWindow();
+    }
+    void cleanup()
+    {
+        if (m_window) {
+            doc()->updateChangeCount(MyDocument::ChangeCleared);  // close without the question
+            delete m_window;
+        }
+        for (const auto &key : Settings::keys()) Settings::instance().remove(key.name);
+        Settings::instance().remove(ToolbarController::toolbarName());
+        Settings::instance().remove(FilesDrawer::openKey());
+    }
+    void addingBundleFillsFileTable()
+    {
+        const QStringList fileCommands{QStringLiteral("Export"), QStringLiteral("ExportAll"), QStringLiteral("Delete")};
+        QVERIFY(m_window->toolbarItem(QStringLiteral("AddFile"))->isEnabled());
+        for (const QString &id : fileCommands) QVERIFY2(!m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
+        addFixture();
+        for (const QString &id : fileCommands) QVERIFY2(m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
+        QCOMPARE(m_dialogs.panels().size(), 2);  // the files, then the bundle's previous release
+        // Credits.rtf is not a resource; the table lists the two string tables.
+        QCOMPARE(files()->rowCount(), 2);
+        const int localizable = fileRow(QStringLiteral("Localizable.strings"));
+        const int info = fileRow(QStringLiteral("InfoPlist.strings"));
+        QVERIFY(localizable >= 0 && info >= 0);
+        // "hello" comes from the previous release; "bye" and "cancel" are still to translate.
+        QCOMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("1/3"));
+        QCOMPARE(files()->index(localizable, 0).data(Qt::ForegroundRole).value<QBrush>().color(), QColor(Qt::red));
+        QCOMPARE(files()->index(info, FileTableModel::StatusColumn).data().toString(), QStringLiteral("1/1"));
+        QVERIFY(!files()->index(info, 0).data(Qt::ForegroundRole).isValid());
+
+        QVERIFY(doc()->isDocumentEdited());
+        QVERIFY(m_window->isWindowModified());
+        QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("summary"))->text(), QStringLiteral("2 files, 2 of 4 entries checked"));
+        // The first file is selected and shown, its first entry in the editor.
+        QCOMPARE(m_window->selectedFiles().size(), 1);
+        QCOMPARE(entries()->file(), m_window->selectedFiles().first());
+        QVERIFY(m_window->currentEntry());
+        QCOMPARE(m_window->entryEditor()->basewordField()->text(), wordOrEmpty(entries()->entryAt(0)->baseWord()));
+    }
+    void entryTableFollowsSelectedFile()
+    {
+        addFixture();
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        QCOMPARE(entries()->rowCount(), 3);
+        const int hello = rowOfKey(QStringLiteral("hello"));
+        QVERIFY(hello >= 0);
+        QCOMPARE(entries()->index(hello, EntryTableModel::BaseWordColumn).data().toString(), QStringLiteral("Hello"));
+        QCOMPARE(entries()->index(hello, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Bonjour"));
+        QCOMPARE(entries()->index(hello, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
+        const int bye = rowOfKey(QStringLiteral("bye"));
+        QCOMPARE(entries()->index(bye, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Unchecked);
+
+        m_window->selectEntryRow(bye);
+        QCOMPARE(m_window->entryEditor()->basewordField()->text(), QStringLiteral("Goodbye"));
+        QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), QStringLiteral("Goodbye"));
+        QVERIFY(!m_window->entryEditor()->checkBox()->isChecked());
+
+        // The search field filters the table (the search itself is the document's).
+        m_window->searchField()->setText(QStringLiteral("GOODBYE"));
+        QCOMPARE(entries()->rowCount(), 1);
+        QCOMPARE(rowOfKey(QStringLiteral("bye")), 0);
+        m_window->searchField()->clear();
+        QCOMPARE(entries()->rowCount(), 3);
+
+        // Another file starts at its first entry, not at the row the last one was on.
+        const QString other = m_box->write(QStringLiteral("Other.strings"),
+                                                     "\"a\" = \"A\";\n\"b\" = \"B\";\n\"c\" = \"C\";\n");
+        doc()->addFiles(QList<QPair<QString, OptString>>{{other, std::nullopt}});
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        m_window->selectEntryRow(2);
+        m_window->selectFileRows({fileRow(QStringLiteral("Other.strings"))});
+        QCOMPARE(m_window->entryTable()->currentIndex().row(), 0);
+        QCOMPARE(m_window->currentEntry(), entries()->entryAt(0));
+
+        // Two files selected: no entries shown.
+        m_window->selectFileRows({0, 1});
+        QCOMPARE(entries()->rowCount(), 0);
+        QVERIFY(!m_window->currentEntry());
+    }
+    void editingLocalizedWordInTable()
+    {
+        addFixture();
+        const int localizable = fileRow(QStringLiteral("Localizable.strings"));
+        m_window->selectFileRows({localizable});
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+        const int bye = rowOfKey(QStringLiteral("bye"));
+        const LocEntryPtr entry = entries()->entryAt(bye);
+
+        QVERIFY(entries()->setData(entries()->index(bye, EntryTableModel::LocalizedWordColumn), QStringLiteral("Au \"revoir\""),
+                                   Qt::EditRole));
+        // The entry's text is rewritten in string-table form, and the entry checked.
+        QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Au \\\"revoir\\\""));
+        QVERIFY(entry->entry().endsWith(QStringLiteral("\n\"Goodbye\" = \"Au \\\"revoir\\\"\";")));
+        QVERIFY(entry->isChecked());
+        QVERIFY(doc()->isDocumentEdited());
+        QCOMPARE(entries()->index(bye, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Au \\\"revoir\\\""));
+        QTRY_COMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("2/3"));
+
+        // The same word again is no edit.
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+        entries()->setData(entries()->index(bye, EntryTableModel::LocalizedWordColumn), entry->localizedWord().value(), Qt::EditRole);
+        QVERIFY(!doc()->isDocumentEdited());
+    }
+    void typingInEntryEditor()
+    {
+        addFixture();
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        const int cancel = rowOfKey(QStringLiteral("cancel"));
+        m_window->selectEntryRow(cancel);
+        const LocEntryPtr entry = m_window->currentEntry();
+        QCOMPARE(wordOrEmpty(entry->baseWord()), QStringLiteral("Cancel"));
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+
+        m_window->entryEditor()->focusEditor();
+        QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Annuler"));
+        // Typing marks the document at once; the word is written when the user moves on.
+        QVERIFY(doc()->isDocumentEdited());
+        QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Cancel"));
+        m_window->selectPrevious();
+        QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Annuler"));
+        QVERIFY(entry->isChecked());
+        QCOMPARE(entries()->index(cancel, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Annuler"));
+
+        // Saving writes a pending edit too.
+        m_window->selectEntryRow(cancel);
+        m_window->entryEditor()->focusEditor();
+        QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Fermer"));
+        m_savePanel.answers = {m_box->path(QStringLiteral("saved.vocabrix"))};
+        QVERIFY(m_window->save());
+        QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Fermer"));
+        QVERIFY(!doc()->isDocumentEdited());
+    }
+    void checkBoxGoesThroughSwitchButton()
+    {
+        addFixture();
+        const int localizable = fileRow(QStringLiteral("Localizable.strings"));
+        m_window->selectFileRows({localizable});
+        const int bye = rowOfKey(QStringLiteral("bye"));
+        m_window->selectEntryRow(bye);
+        const LocEntryPtr entry = entries()->entryAt(bye);
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+
+        QVERIFY(entries()->setData(entries()->index(bye, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole));
+        QVERIFY(entry->isChecked());
+        QVERIFY(doc()->isDocumentEdited());
+        QVERIFY(m_window->entryEditor()->checkBox()->isChecked());
+        QTRY_COMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("2/3"));
+
+        // The editor's check box unticks it again, through the same command.
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+        m_window->entryEditor()->checkBox()->click();
+        QVERIFY(!entry->isChecked());
+        QVERIFY(doc()->isDocumentEdited());
+        QCOMPARE(entries()->index(bye, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Unchecked);
+    }
+    void checkAndNextMovesOn()
+    {
+        addFixture();
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        m_window->selectEntryRow(0);
+        const LocEntryPtr first = m_window->currentEntry();
+        first->setCheck(false);
+        m_window->entryEditor()->finishButton()->click();
+        QVERIFY(first->isChecked());
+        QCOMPARE(m_window->currentEntry(), entries()->entryAt(1));
+        // Ctrl+Return in the editor does the same.
+        QApplication::setActiveWindow(m_window);
+        QVERIFY(QTest::qWaitForWindowActive(m_window));
+        m_window->entryEditor()->focusEditor();
+        QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_Return, Qt::ControlModifier);
+        QCOMPARE(m_window->currentEntry(), entries()->entryAt(2));
+        QVERIFY(entries()->entryAt(1)->isChecked());
+        QVERIFY(!m_window->entryEditor()->entryField()->toPlainText().contains(u'\n'));
+        // At the end the selection stays on the last entry.
+        m_window->selectEntryRow(2);
+        m_window->checkLocalized();
+        QCOMPARE(m_window->currentEntry(), entries()->entryAt(2));
+    }
+    void checkAndNextGoesOnToNextFile()
+    {
+        addThreeFiles();
+        FileTableModel *files = m_window->fileModel();
+        m_window->selectFileRows({0});
+        m_window->selectEntryRow(1);
+        m_window->checkLocalized();
+        QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{files->fileAt(1)});
+        QCOMPARE(m_window->currentEntry(), files->fileAt(1)->entries().first());
+        QVERIFY(files->fileAt(0)->entries().last()->isChecked());
+        // The third file done, the first too (the search wraps): nowhere to go, the selection stays.
+        for (const LocEntryPtr &e : files->fileAt(2)->entries()) e->setCheck(true);
+        files->fileAt(0)->entries().first()->setCheck(true);
+        m_window->selectEntryRow(1);
+        m_window->checkLocalized();
+        QCOMPARE(m_window->selectedFiles(), QList<LocFilePtr>{files->fileAt(1)});
+        QCOMPARE(m_window->currentEntry(), files->fileAt(1)->entries().last());
+    }
+    void hidingCheckedEntries()
+    {
+        addFixture();
+        const LocFilePtr file = m_window->fileModel()->fileAt(fileRow(QStringLiteral("Localizable.strings")));
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        QCOMPARE(entries()->rowCount(), 3);
+
+        Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, true);
+        QCOMPARE(entries()->rowCount(), 2);  // "hello" is checked
+        QCOMPARE(rowOfKey(QStringLiteral("hello")), -1);
+
+        // Checking an entry takes it out of the list a moment later; it stays in the file.
+        const int bye = rowOfKey(QStringLiteral("bye"));
+        m_window->selectEntryRow(bye);
+        entries()->setData(entries()->index(bye, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole);
+        QCOMPARE(entries()->rowCount(), 2);
+        QTRY_COMPARE(entries()->rowCount(), 1);
+        QCOMPARE(file->allEntries().size(), 3);
+        // The entry that took its place is the one shown, with the editor ready for typing.
+        QCOMPARE(m_window->currentEntry(), entries()->entryAt(0));
+        QCOMPARE(wordOrEmpty(m_window->currentEntry()->keyWord()), QStringLiteral("cancel"));
+
+        Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
+        QCOMPARE(entries()->rowCount(), 3);
+    }
+    void titleField()
+    {
+        QCOMPARE(m_window->titleField()->text(), QStringLiteral("Title"));
+        m_window->titleField()->selectAll();
+        QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
+        QCOMPARE(doc()->title(), QStringLiteral("Notes"));
+        doc()->setTitle(QStringLiteral("Other"));
+        QCOMPARE(m_window->titleField()->text(), QStringLiteral("Other"));
+    }
+    void busyIndicatorFollowsLoading()
+    {
+        QVERIFY(!m_window->busyIndicator()->isVisible());
+        bool shownWhileAdding = false;
+        connect(doc(), &MyDocument::progress, this, [&] { shownWhileAdding = m_window->busyIndicator()->isVisible(); });
+        addFixture();
+        QVERIFY(shownWhileAdding);
+        QVERIFY(!m_window->busyIndicator()->isVisible());
+    }
+    void closeAsksAboutUnsavedChanges_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<QString>("savedAs");
+        QTest::addColumn<bool>("closes");
+        QTest::addColumn<bool>("written");
+        QTest::newRow("save") << 0 << QStringLiteral("doc.vocabrix") << true << true;
+        QTest::newRow("save, panel cancelled") << 0 << QString() << false << false;
+        QTest::newRow("don't save") << 1 << QString() << true << false;
+        QTest::newRow("cancel") << 2 << QString() << false << false;
+    }
+    void closeAsksAboutUnsavedChanges()
+    {
+        QFETCH(int, button);
+        QFETCH(QString, savedAs);
+        QFETCH(bool, closes);
+        QFETCH(bool, written);
+
+        // Unchanged: closes without a question.
+        QVERIFY(m_window->canClose());
+        QVERIFY(m_dialogs.alerts().isEmpty());
+
+        addFixture();
+        m_dialogs.clearLog();
+        m_dialogs.queueAlertButton(button);
+        const QString path = savedAs.isEmpty() ? QString() : m_box->path(savedAs);
+        m_savePanel.answers = {path};
+        const bool closed = m_window->close();
+        QCOMPARE(closed, closes);
+        QCOMPARE(m_dialogs.alerts().size(), 1);
+        const Alert question = m_dialogs.alerts().first();
+        QVERIFY(question.title.contains(QStringLiteral("Untitled")));
+        QCOMPARE(question.buttons, (QStringList{QStringLiteral("Save"), QStringLiteral("Don't Save"), QStringLiteral("Cancel")}));
+        QCOMPARE(m_savePanel.asked, button == 0 ? 1 : 0);
+        QCOMPARE(!path.isEmpty() && QFileInfo::exists(path), written);
+        if (closes) QTRY_VERIFY(m_window.isNull());  // deleted on close
+        else QVERIFY(m_window->isVisible());
+
+    }
+    void revertGoesBackToSavedFile()
+    {
+        addFixture();
+        const QString path = m_box->path(QStringLiteral("r.vocabrix"));
+        QVERIFY(doc()->writeToFile(path));
+        QVERIFY(!m_window->revertDocument());  // nothing changed: nothing to revert
+        m_window->selectFileRows({0});
+        m_dialogs.queueAlertButton(0);
+        m_window->deleteCurrentFile();
+        QCOMPARE(files()->rowCount(), 1);
+
+        m_dialogs.queueAlertButton(1);  // "Cancel"
+        QVERIFY(!m_window->revertDocument());
+        QCOMPARE(files()->rowCount(), 1);
+        m_dialogs.queueAlertButton(0);
+        QVERIFY(m_window->revertDocument());
+        QCOMPARE(files()->rowCount(), 2);
+        QVERIFY(!doc()->isDocumentEdited());
+        QVERIFY(m_window->currentEntry());
+    }
+    void spellingStateIsSavedWithDocument()
+    {
+        QVERIFY(!m_window->entryEditor()->isContinuousSpellCheckingEnabled());
+        m_window->entryEditor()->spellingAction()->setChecked(true);
+        QVERIFY(!Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
+        m_savePanel.answers = {m_box->path(QStringLiteral("s.vocabrix"))};
+        QVERIFY(m_window->save());
+        QVERIFY(Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
+
+        DocumentWindow later(new MyDocument);
+        QVERIFY(later.entryEditor()->isContinuousSpellCheckingEnabled());
+    }
+    void grabShowsWindow()
+    {
+        addFixture();
+        const QImage image = m_window->grab().toImage();
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.size(), m_window->size() * image.devicePixelRatio());
+        // A drawn window has text, lines and fields: many colours, not one flat fill.
+        QSet<QRgb> colours;
+        for (int y = 0; y < image.height(); y += 3)
+            for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
+        QVERIFY2(colours.size() > 20, qPrintable(QString::number(colours.size())));
+        // The unchecked file is painted red somewhere in the file table.
+        const QImage table = m_window->fileTable()->grab().toImage();
+        bool red = false;
+        for (int y = 0; y < table.height() && !red; ++y)
+            for (int x = 0; x < table.width() && !red; ++x) {
+                const QColor c = table.pixelColor(x, y);
+                red = c.red() > 200 && c.green() < 80 && c.blue() < 80;
+            }
+        QVERIFY(red);
+    }
+    void exportTakesSelectionAndPendingEdit()
+    {
+        addFixture();
+        const QString out = m_box->path(QStringLiteral("out"));
+        QDir().mkpath(out);
+        m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
+        m_window->selectEntryRow(rowOfKey(QStringLiteral("bye")));
+        m_window->entryEditor()->focusEditor();
+        QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Au revoir"));
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+
+        m_dialogs.clearLog();
+        m_dialogs.queuePanelAnswer(out);
+        m_window->toolbarItem(QStringLiteral("Export"))->trigger();
+        // Only the selected file, with the word still being typed.
+        QCOMPARE(QDir(out).entryList(QDir::Files), QStringList{QStringLiteral("Localizable.strings")});
+        const auto table = dictionaryWithContentsOfFile(QDir(out).filePath(QStringLiteral("Localizable.strings")));
+        QVERIFY(table);
+        QCOMPARE(table->value(QStringLiteral("bye")), QStringLiteral("Au revoir"));
+        QCOMPARE(m_dialogs.panels().first().prompt, QStringLiteral("Export"));
+
+        m_dialogs.queuePanelAnswer(out);
+        m_window->toolbarItem(QStringLiteral("ExportAll"))->trigger();
+        QCOMPARE(QDir(out).entryList(QDir::Files).size(), 2);
+    }
+    // What the command line prints about a file, the window shows: a table that breaks the grammar
+    // is named in a sheet; the developer's comment of a pair is shown beside its base word.
+    void tableProblemsAndNotesAreShown()
+    {
+        const QString broken = m_box->write(QStringLiteral("a/Broken.strings"), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
+        const QString good = m_box->write(QStringLiteral("b/Good.strings"),
+                                                    "/* Preferences -> Transfers -> Magnet tooltip */\n\"magnet\" = \"Open magnets\";\n");
+        m_dialogs.queuePanelAnswer(broken);
+        m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+        QVERIFY(!m_dialogs.alerts().isEmpty());
+        QVERIFY2(m_dialogs.alerts().last().message.contains(QStringLiteral("breaks the string-table syntax at line 2")),
+                 qPrintable(m_dialogs.alerts().last().message));
+
+        const qsizetype alertsBefore = m_dialogs.alerts().size();
+        m_dialogs.queuePanelAnswer(good);
+        m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+        QCOMPARE(m_dialogs.alerts().size(), alertsBefore);  // nothing to tell about a sound table
+        m_window->selectFileRows({fileRow(QStringLiteral("Good.strings"))});
+        m_window->selectEntryRow(0);
+        QCOMPARE(m_window->entryEditor()->commentLabel()->text(), QStringLiteral("Preferences -> Transfers -> Magnet tooltip"));
+    }
+    void newWindowShowsDefaultToolbar()
+    {
+        const QStringList expected = names({"LanguageFrom", "LanguageTo", "Space", "AddFile", "Export", "FlexibleSpace",
+                                            "Customize", "Separator", "Files"});
+        QCOMPARE(shownIdentifiers(m_window), expected);
+        QCOMPARE(m_window->toolbar()->objectName(), QStringLiteral("MyToolbar"));
+        QCOMPARE(m_window->toolbar()->actions().last()->objectName(), QString());  // the search field closes it
+        // Labels and tool tips by identifier; every item with an image has one.
+        for (const QStringList &item : TestSupport::readCaseTable(TestSupport::dataDir(S("app")) + S("/toolbar-items.tsv"), 3)) {
+            const QAction *action = m_window->toolbarItem(item[0]);
+            QVERIFY2(action, qPrintable(item[0]));
+            QCOMPARE(action->text(), item[1]);
+            QCOMPARE(action->toolTip(), item[2]);
+            if (!action->isCheckable() && item[0] != S("LanguageFrom")) QVERIFY2(!action->icon().isNull(), qPrintable(item[0]));
+        }
+        // The toolbar hands out the stored item itself.
+        QCOMPARE(m_window->toolbarController()->itemForItemIdentifier(QStringLiteral("Export")),
+                 m_window->toolbarItem(QStringLiteral("Export")));
+        QVERIFY(!m_window->toolbarController()->itemForItemIdentifier(QStringLiteral("Nonsense")));
+    }
+    void savedArrangementIsRestored_data()
+    {
+        QTest::addColumn<QStringList>("chosen");
+        QTest::addColumn<QStringList>("shown");
+        QTest::newRow("allowed items only") << names({"Delete", "ExportAll", "Files"})
+                                            << names({"Delete", "ExportAll", "Files"});
+        QTest::newRow("spaces repeat, items do not")
+            << names({"Files", "Space", "Files", "Space", "Separator"}) << names({"Files", "Space", "Space", "Separator"});
+        QTest::newRow("unknown identifiers dropped") << names({"Bogus", "AddFile", ""}) << names({"AddFile"});
+        QTest::newRow("empty toolbar") << QStringList{} << QStringList{};
+    }
+    void savedArrangementIsRestored()
+    {
+        QFETCH(QStringList, chosen);
+        QFETCH(QStringList, shown);
+        m_window->toolbarController()->setItemIdentifiers(chosen);
+        QCOMPARE(shownIdentifiers(m_window), shown);
+        QCOMPARE(Settings::instance().value(QStringLiteral("MyToolbar")).toStringList(), shown);
+        // A window opened later has the same toolbar; the search field stays at its end.
+        std::unique_ptr<DocumentWindow> later(newWindow());
+        QCOMPARE(shownIdentifiers(later.get()), shown);
+        QVERIFY(later->searchField()->isVisibleTo(later.get()));
+        later->document()->updateChangeCount(MyDocument::ChangeCleared);
+    }
+    void customizePalette()
+    {
+        // The customize item is the toolbar's own, not one of the window's items.
+        QAction *customize = nullptr;
+        for (QAction *a : m_window->toolbar()->actions())
+            if (a->objectName() == QLatin1String("Customize")) customize = a;
+        QVERIFY(customize);
+        customize->trigger();
+        auto *dialog = m_window->findChild<CustomizeToolbarDialog *>();
+        QVERIFY(dialog);
+        QStringList offered;
+        for (int i = 0; i < dialog->palette()->count(); ++i) offered.append(dialog->palette()->item(i)->text());
+        QCOMPARE(offered, (names({"From", "To", "Add File", "Delete", "Files", "Export", "Export All", "Customize",
+                                       "Separator", "Space", "Flexible Space"})));
+        QCOMPARE(dialog->itemIdentifiers(), ToolbarController::defaultItemIdentifiers());
+
+        // Delete after Add File, Export out, a second Files refused; the window follows on OK.
+        dialog->toolbarList()->setCurrentRow(3, QItemSelectionModel::ClearAndSelect);
+        dialog->palette()->item(3)->setSelected(true);
+        dialog->palette()->item(4)->setSelected(true);
+        dialog->addSelected();
+        dialog->toolbarList()->setCurrentRow(5, QItemSelectionModel::ClearAndSelect);
+        dialog->removeSelected();
+        dialog->toolbarList()->setCurrentRow(0, QItemSelectionModel::ClearAndSelect);
+        dialog->moveSelected(1);
+        const QStringList arranged = names({"LanguageTo", "LanguageFrom", "Space", "AddFile", "Delete", "FlexibleSpace",
+                                            "Customize", "Separator", "Files"});
+        QCOMPARE(dialog->itemIdentifiers(), arranged);
+        dialog->accept();
+        QCOMPARE(shownIdentifiers(m_window), arranged);
+        QCOMPARE(Settings::instance().value(QStringLiteral("MyToolbar")).toStringList(), arranged);
+        QVERIFY(m_window->toolbar()->actions().contains(m_window->toolbarItem(QStringLiteral("Delete"))));
+        QTRY_VERIFY(!m_window->findChild<CustomizeToolbarDialog *>());
+
+        // Restore Default, then Cancel: nothing changes; then OK: the default arrangement.
+        m_window->menuAction(QStringLiteral("CustomizeToolbar"))->trigger();
+        dialog = m_window->findChild<CustomizeToolbarDialog *>();
+        QVERIFY(dialog);
+        dialog->restoreDefault();
+        QCOMPARE(dialog->itemIdentifiers(), ToolbarController::defaultItemIdentifiers());
+        dialog->reject();
+        QCOMPARE(shownIdentifiers(m_window), arranged);
+        QTRY_VERIFY(!m_window->findChild<CustomizeToolbarDialog *>());
+        m_window->menuAction(QStringLiteral("CustomizeToolbar"))->trigger();
+        dialog = m_window->findChild<CustomizeToolbarDialog *>();
+        QVERIFY(dialog);
+        dialog->restoreDefault();
+        dialog->accept();
+        QCOMPARE(shownIdentifiers(m_window), ToolbarController::defaultItemIdentifiers());
+    }
+    void filesItemTogglesDrawer()
+    {
+        QAction *files = m_window->toolbarItem(QStringLiteral("Files"));
+        FilesDrawer *drawer = m_window->drawer();
+        QVERIFY(drawer->isAncestorOf(m_window->fileTable()));
+        QVERIFY(drawer->isOpen());
+        QVERIFY(files->isChecked());
+        for (bool open : {false, true, false}) {
+            files->trigger();
+            QCOMPARE(drawer->isOpen(), open);
+            QCOMPARE(files->isChecked(), open);
+            QCOMPARE(drawer->isVisible(), open);
+        }
+        // Closed when this window was left: closed in the next one, and opened by its item.
+        std::unique_ptr<DocumentWindow> later(newWindow());
+        QVERIFY(!later->drawer()->isOpen());
+        QVERIFY(!later->toolbarItem(QStringLiteral("Files"))->isChecked());
+        later->toolbarItem(QStringLiteral("Files"))->trigger();
+        QVERIFY(later->drawer()->isVisible());
+        later->document()->updateChangeCount(MyDocument::ChangeCleared);
+    }
+    void contextMenuFollowsSelection_data()
+    {
+        QTest::addColumn<QList<int>>("selection");
+        QTest::newRow("nothing selected") << QList<int>{};
+        QTest::newRow("one file") << QList<int>{1};
+        QTest::newRow("two files: the first is the one") << QList<int>{1, 2};
+    }
+    void contextMenuFollowsSelection()
+    {
+        QFETCH(QList<int>, selection);
+        addThreeFiles();
+        m_window->selectFileRows(selection);
+        FileTableMenu *menu = m_window->fileTableMenu();
+        QStringList opened;
+        menu->setOpener([&opened](const QString &path) { opened.append(path); });
+
+        const bool any = !selection.isEmpty();
+        for (int tag : {11, 12, 13}) {
+            QAction *item = menu->itemWithTag(tag);
+            QVERIFY(item);
+            QCOMPARE(menu->validateMenuItem(item), any);
+        }
+        QAction *untagged = new QAction(menu);
+        untagged->setData(14);
+        QVERIFY(menu->validateMenuItem(untagged));
+        emit menu->menu()->aboutToShow();
+        QCOMPARE(menu->itemWithTag(12)->isEnabled(), any);
+
+        m_dialogs.clearLog();
+        menu->itemWithTag(FileTableMenu::RevealTag)->trigger();
+        menu->itemWithTag(FileTableMenu::OpenTag)->trigger();
+        if (!any) {
+            QVERIFY(m_dialogs.shown().isEmpty());
+            QVERIFY(opened.isEmpty());
+            return;
+        }
+        const QString first = m_window->fileModel()->fileAt(selection.first())->path();
+        QCOMPARE(m_dialogs.shown().size(), 1);
+        QCOMPARE(m_dialogs.shown().first().kind, ScriptedDialogs::Shown::Reveal);
+        QCOMPARE(m_dialogs.shown().first().path, QFileInfo(first).absolutePath());
+        QCOMPARE(opened, QStringList{first});
+
+        // Delete asks, then removes every selected file.
+        m_dialogs.queueAlertButton(0);
+        menu->itemWithTag(FileTableMenu::DeleteTag)->trigger();
+        QCOMPARE(m_dialogs.alerts().last().title, QStringLiteral("Delete File"));
+        QCOMPARE(m_window->fileModel()->rowCount(), 3 - int(selection.size()));
+    }
+    void rightClickSelects_data()
+    {
+        QTest::addColumn<QList<int>>("before");
+        QTest::addColumn<int>("clicked");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<QList<int>>("after");
+        QTest::newRow("unselected row replaces") << QList<int>{0, 1} << 2 << false << QList<int>{2};
+        QTest::newRow("shift extends") << QList<int>{0} << 2 << true << QList<int>{0, 2};
+        QTest::newRow("selected row keeps all") << QList<int>{0, 2} << 2 << false << QList<int>{0, 2};
+        QTest::newRow("outside the rows keeps all") << QList<int>{1} << -1 << false << QList<int>{1};
+    }
+    void rightClickSelects()
+    {
+        QFETCH(QList<int>, before);
+        QFETCH(int, clicked);
+        QFETCH(bool, shift);
+        QFETCH(QList<int>, after);
+        addThreeFiles();
+        m_window->selectFileRows(before);
+        QTableView *table = m_window->fileTable();
+        const QPoint pos = clicked >= 0 ? table->visualRect(m_window->fileModel()->index(clicked, 0)).center()
+                                        : QPoint(5, table->viewport()->height() - 3);
+        QTest::mousePress(table->viewport(), Qt::RightButton, shift ? Qt::ShiftModifier : Qt::NoModifier, pos);
+        QCOMPARE(selectedRows(), after);
+    }
+    void deleteKeysAsk_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("asks");
+        QTest::newRow("Backspace") << int(Qt::Key_Backspace) << true;
+        QTest::newRow("Delete") << int(Qt::Key_Delete) << true;
+        QTest::newRow("a letter") << int(Qt::Key_B) << false;
+    }
+    void deleteKeysAsk()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, asks);
+        addThreeFiles();
+        m_window->selectFileRows({0});
+        doc()->updateChangeCount(MyDocument::ChangeCleared);
+        m_dialogs.clearLog();
+        m_dialogs.queueAlertButton(1);  // Cancel
+        m_window->fileTable()->setFocus();
+        QTest::keyClick(m_window->fileTable(), Qt::Key(key));
+        QCOMPARE(m_dialogs.alerts().size(), asks ? 1 : 0);
+        if (asks) QCOMPARE(m_dialogs.alerts().first().title, QStringLiteral("Delete File"));
+        QCOMPARE(m_window->fileModel()->rowCount(), 3);  // cancelled: nothing removed, nothing marked
+        QVERIFY(!doc()->isDocumentEdited());
+    }
+    void fileTableShowsIconsAndTitleItsDash()
+    {
+        addThreeFiles();
+        const QVariant icon = m_window->fileModel()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole);
+        QVERIFY(!icon.value<QIcon>().isNull());
+        QVERIFY(!m_window->fileModel()->index(0, FileTableModel::StatusColumn).data(Qt::DecorationRole).isValid());
+        QVERIFY2(m_window->windowTitle().endsWith(QStringLiteral(" \u2014 Vocabrix")), qPrintable(m_window->windowTitle()));
+    }
+    void nibWithTablesHasMenuCommand()
+    {
+        QAction *command = m_window->menuAction(QStringLiteral("ReadNibAndStrings"));
+        QVERIFY(command);
+        m_dialogs.queuePanelCancel();
+        command->trigger();
+        QCOMPARE(m_dialogs.panels().size(), 1);
+        QVERIFY(m_dialogs.panels().first().allowedExtensions.contains(QStringLiteral("nib")));
+        QCOMPARE(m_window->fileModel()->rowCount(), 0);
+        QVERIFY(!m_window->document()->isDocumentEdited());
+    }
+    void languageChangesOnlyOnPurpose_data()
+    {
+        TestSupport::addTableRows(S("app"), S("language-changes.tsv"), {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts")});
+    }
+    void languageChangesOnlyOnPurpose()
+    {
+        QFETCH(QString, side);
+        QFETCH(QString, chosen);
+        QFETCH(QString, entries);
+        QFETCH(QString, answer);
+        QFETCH(QString, changed);
+        QFETCH(QString, alerts);
+        const bool base = side == S("b"), withEntries = entries == S("y");
+        int tag = chosen.toInt();
+        if (withEntries) addThreeFiles();
+        MyDocument *doc = m_window->document();
+        const int before = base ? doc->locLangFrom() : doc->locLangTo();
+        if (tag == 0) tag = base ? doc->locLangTo() : doc->locLangFrom();
+        QVERIFY(tag != before);
+        LanguageComboBox *popup = base ? m_window->languageFromPp() : m_window->languageToPp();
+        m_dialogs.clearLog();
+        m_dialogs.queueAlertButton(answer.toInt());
+        const int index = popup->findData(tag);
+        popup->setCurrentIndex(index);
+        emit popup->activated(index);
+        QCOMPARE(m_dialogs.alerts().size(), alerts.toInt());
+        const int now = base ? doc->locLangFrom() : doc->locLangTo();
+        QCOMPARE(now, changed == S("y") ? tag : before);
+        QCOMPARE(popup->selectedTag(), now);
+        QCOMPARE(doc->locLangFrom() == doc->locLangTo(), false);
+        QCOMPARE(popup->focusPolicy(), Qt::ClickFocus);
+        QCOMPARE(popup->count(), int(languageItems().size()));
+        // The popups follow the document (an opened or reverted archive).
+        doc->setLocLangFrom(doc->locLangTo() == 4 ? 5 : 4);
+        QCOMPARE(m_window->languageFromPp()->selectedTag(), doc->locLangFrom());
+    }
+    void undoRedoEachKind_data() { TestSupport::addTableRows(S("app"), S("undo-steps.tsv"), {S("kind"), S("step")}); }
+    void undoRedoEachKind()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, step);
+        addThreeFiles();
+        MyDocument *doc = m_window->document();
+        m_window->selectFileRows({0});
+        m_window->selectEntryRow(0);
+        const LocFilePtr a = m_window->fileModel()->fileAt(0);
+        const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
+        const std::function<QString()> state = [&]() -> QString {
+            if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
+            if (kind == QLatin1String("title")) return doc->title();
+            if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
+            if (kind == QLatin1String("order")) {
+                QStringList names;
+                for (const LocFilePtr &f : doc->files()) names.append(f->fileName());
+                return names.join(u',');
+            }
+            return QStringLiteral("%1%2").arg(first->isChecked()).arg(second->isChecked());
+        };
+        const QString before = state();
+        doc->updateChangeCount(MyDocument::ChangeCleared);
+
+        if (kind == QLatin1String("typing")) {
+            m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
+            QVERIFY(m_window->entryEditor()->commit());
+        } else if (kind == QLatin1String("check box")) {
+            m_window->entryEditor()->checkBox()->click();
+        } else if (kind == QLatin1String("table mark")) {
+            QVERIFY(m_window->entryModel()->setData(m_window->entryModel()->index(1, EntryTableModel::CheckColumn),
+                                                     Qt::Checked, Qt::CheckStateRole));
+        } else if (kind == QLatin1String("check several")) {
+            m_window->entryTable()->selectAll();
+            m_window->checkLocalized();
+        } else if (kind == QLatin1String("title")) {
+            QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
+        } else if (kind == QLatin1String("language")) {
+            m_dialogs.queueAlertButton(0);
+            const int index = m_window->languageFromPp()->findData(doc->locLangTo() == 3 ? 4 : 3);
+            emit m_window->languageFromPp()->activated(index);
+        } else {
+            QMimeData *dragged = m_window->fileModel()->mimeData({m_window->fileModel()->index(0, 0)});
+            QVERIFY(m_window->fileModel()->dropMimeData(dragged, Qt::MoveAction, 3, 0, QModelIndex()));
+            delete dragged;
+        }
+        const QString after = state();
+        QVERIFY2(after != before, qPrintable(after));
+        // Every change the archive keeps marks the document changed, check marks included.
+        QVERIFY(doc->isDocumentEdited());
+        QUndoStack *stack = m_window->undo()->stack();
+        QCOMPARE(stack->count(), 1);  // one step, however many letters or entries
+        QAction *undo = m_window->menuAction(QStringLiteral("Undo"));
+        QCOMPARE(undo->text(), QStringLiteral("&Undo ") + step);
+        QVERIFY(undo->isEnabled());
+
+        doc->updateChangeCount(MyDocument::ChangeCleared);
+        undo->trigger();
+        QCOMPARE(state(), before);
+        QVERIFY(doc->isDocumentEdited());
+        QCOMPARE(m_window->menuAction(QStringLiteral("Redo"))->text(), QStringLiteral("&Redo ") + step);
+        m_window->menuAction(QStringLiteral("Redo"))->trigger();
+        QCOMPARE(state(), after);
+        if (kind == QLatin1String("typing"))
+            QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), QStringLiteral("Wort"));
+
+        // Deleting files cannot be undone, and takes the steps before it along.
+        doc->removeFiles({doc->files().last()});
+        QVERIFY(!stack->canUndo());
+        QVERIFY(!undo->isEnabled());
+    }
+    void cancelStopsAfterCurrentFile_data()
+    {
+        QTest::addColumn<bool>("exporting");
+        QTest::newRow("adding three files") << false;
+        QTest::newRow("exporting three files") << true;
+    }
+    void cancelStopsAfterCurrentFile()
+    {
+        QFETCH(bool, exporting);
+        MyDocument *doc = m_window->document();
+        if (exporting) addThreeFiles();
+        doc->updateChangeCount(MyDocument::ChangeCleared);
+        // Cancel pressed in the panel while the first file is done.
+        int reported = 0;
+        connect(doc, &MyDocument::progress, this, [&](int done, int total) {
+            ++reported;
+            QCOMPARE(total, 3);
+            QProgressDialog *panel = m_window->progressPanel()->dialog();
+            QVERIFY(panel);
+            QVERIFY(panel->isModal() || panel->windowModality() == Qt::WindowModal);
+            QCOMPARE(panel->labelText(), QStringLiteral("File %1 of 3: A.strings").arg(done));
+            if (done == 1) panel->findChild<QPushButton *>()->click();
+        });
+        if (exporting) {
+            const QString out = m_box->path(QStringLiteral("out"));
+            QVERIFY(QDir().mkpath(out));
+            const ExportResult result = doc->makeLocalizedFilesInto(doc->files(), out, true);
+            QVERIFY(result.stopped);
+            QCOMPARE(result.written.size(), 1);
+            QVERIFY(result.pairs.isEmpty());
+            QCOMPARE(QDir(out).entryList(QDir::Files).size(), 1);
+        } else {
+            QList<QPair<QString, OptString>> paths;
+            for (const char *name : {"A.strings", "B.strings", "C.strings"})
+                paths.append({m_box->write(QString::fromLatin1(name), "\"k\" = \"v\";\n"), std::nullopt});
+            QVERIFY(doc->addFiles(paths).isEmpty());
+            // As before the command: no file, not changed.
+            QCOMPARE(doc->files().size(), 0);
+            QCOMPARE(m_window->fileModel()->rowCount(), 0);
+            QVERIFY(!doc->isDocumentEdited());
+        }
+        QCOMPARE(reported, 1);
+        QVERIFY(!doc->loadingFiles());
+        QVERIFY(!m_window->progressPanel()->dialog());
+        // The next run is not stopped by the last one's Cancel.
+        disconnect(doc, &MyDocument::progress, this, nullptr);
+        if (!exporting) addThreeFiles();
+    }
 
 private:
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestSupport::Sandbox> m_box;
     ScriptedDialogs m_dialogs;
     AppTest::ScriptedSavePanel m_savePanel;
     QPointer<DocumentWindow> m_window;
@@ -67,37 +844,22 @@ private:
     MyDocument *doc() const { return m_window->document(); }
     FileTableModel *files() const { return m_window->fileModel(); }
     EntryTableModel *entries() const { return m_window->entryModel(); }
+    DocumentWindow *newWindow();
     void addFixture();
+    void addThreeFiles();
     int rowOfKey(const QString &key) const;
     int fileRow(const QString &name) const;
+    // The identifiers the toolbar shows, left to right, without the search field that closes it.
+    static QStringList shownIdentifiers(const DocumentWindow *window);
+    QList<int> selectedRows() const;
 };
 
-void TestDocumentWindow::initTestCase()
+DocumentWindow *TestDocumentWindow::newWindow()
 {
-    registerResourceHandlers();
-    setInterfaceLanguage(QStringLiteral("en"));
-}
-
-void TestDocumentWindow::init()
-{
-    m_dir = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_dir->isValid());
-    AppTest::isolate(*m_dir);
-    std::tie(m_bundle, m_previous) = AppTest::writeBundles(*m_dir);
-    m_dialogs = ScriptedDialogs();
-    m_savePanel = AppTest::ScriptedSavePanel();
-    m_window = new DocumentWindow(new MyDocument);
-    m_window->setDialogs(&m_dialogs, &m_savePanel);
-    m_window->show();
-}
-
-void TestDocumentWindow::cleanup()
-{
-    if (m_window) {
-        doc()->updateChangeCount(MyDocument::ChangeCleared);  // close without the question
-        delete m_window;
-    }
-    for (const auto &key : Settings::keys()) Settings::instance().remove(key.name);
+    auto *window = new DocumentWindow(new MyDocument);
+    window->setDialogs(&m_dialogs, &m_savePanel);
+    window->show();
+    return window;
 }
 
 // The bundle through the add-file panel, its previous release through the previous-version panel.
@@ -106,6 +868,15 @@ void TestDocumentWindow::addFixture()
     m_dialogs.queuePanelAnswer(m_bundle);
     m_dialogs.queuePanelAnswer(m_previous);
     m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+}
+
+void TestDocumentWindow::addThreeFiles()
+{
+    QList<QPair<QString, OptString>> paths;
+    for (const char *name : {"A.strings", "B.strings", "C.strings"})
+        paths.append({m_box->write(S(name), "\"k\" = \"v\";\n\"m\" = \"w\";\n"), std::nullopt});
+    doc()->addFiles(paths);
+    QCOMPARE(files()->rowCount(), 3);
 }
 
 int TestDocumentWindow::rowOfKey(const QString &key) const
@@ -122,441 +893,21 @@ int TestDocumentWindow::fileRow(const QString &name) const
     return -1;
 }
 
-void TestDocumentWindow::fileCommandsNeedFiles()
+QStringList TestDocumentWindow::shownIdentifiers(const DocumentWindow *window)
 {
-    QVERIFY(m_window->toolbarItem(QStringLiteral("AddFile"))->isEnabled());
-    for (const char *id : {"Export", "ExportAll", "Delete"})
-        QVERIFY2(!m_window->toolbarItem(QString::fromLatin1(id))->isEnabled(), id);
-    addFixture();
-    for (const char *id : {"Export", "ExportAll", "Delete"})
-        QVERIFY2(m_window->toolbarItem(QString::fromLatin1(id))->isEnabled(), id);
+    QStringList ids;
+    for (const QAction *action : window->toolbar()->actions()) ids.append(action->objectName());
+    if (!ids.isEmpty()) ids.removeLast();
+    return ids;
 }
 
-void TestDocumentWindow::addingBundleFillsFileTable()
+QList<int> TestDocumentWindow::selectedRows() const
 {
-    addFixture();
-    const QList<OpenPanelOptions> panels = m_dialogs.panels();
-    QCOMPARE(panels.size(), 2);
-    QVERIFY(panels.at(0).allowsMultipleSelection);
-    QVERIFY(panels.at(0).allowedExtensions.contains(QStringLiteral("app")));
-    QVERIFY(panels.at(1).message.startsWith(QStringLiteral("Foo.app")));
-
-    // Credits.rtf is not a resource; the table lists the two string tables.
-    QCOMPARE(files()->rowCount(), 2);
-    const int localizable = fileRow(QStringLiteral("Localizable.strings"));
-    const int info = fileRow(QStringLiteral("InfoPlist.strings"));
-    QVERIFY(localizable >= 0 && info >= 0);
-    // "hello" comes from the previous release; "bye" and "cancel" are still to translate.
-    QCOMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("1/3"));
-    QCOMPARE(files()->index(localizable, 0).data(Qt::ForegroundRole).value<QBrush>().color(), QColor(Qt::red));
-    QCOMPARE(files()->index(info, FileTableModel::StatusColumn).data().toString(), QStringLiteral("1/1"));
-    QVERIFY(!files()->index(info, 0).data(Qt::ForegroundRole).isValid());
-
-    QVERIFY(doc()->isDocumentEdited());
-    QVERIFY(m_window->isWindowModified());
-    QCOMPARE(m_window->findChild<QLabel *>(QStringLiteral("summary"))->text(), QStringLiteral("2 files, 2 of 4 entries checked"));
-    // The first file is selected and shown, its first entry in the editor.
-    QCOMPARE(m_window->selectedFiles().size(), 1);
-    QCOMPARE(entries()->file(), m_window->selectedFiles().first());
-    QVERIFY(m_window->currentEntry());
-    QCOMPARE(m_window->entryEditor()->basewordField()->text(), wordOrEmpty(entries()->entryAt(0)->baseWord()));
-}
-
-void TestDocumentWindow::entryTableFollowsSelectedFile()
-{
-    addFixture();
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    QCOMPARE(entries()->rowCount(), 3);
-    const int hello = rowOfKey(QStringLiteral("hello"));
-    QVERIFY(hello >= 0);
-    QCOMPARE(entries()->index(hello, EntryTableModel::BaseWordColumn).data().toString(), QStringLiteral("Hello"));
-    QCOMPARE(entries()->index(hello, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Bonjour"));
-    QCOMPARE(entries()->index(hello, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Checked);
-    const int bye = rowOfKey(QStringLiteral("bye"));
-    QCOMPARE(entries()->index(bye, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Unchecked);
-
-    m_window->selectEntryRow(bye);
-    QCOMPARE(m_window->entryEditor()->basewordField()->text(), QStringLiteral("Goodbye"));
-    QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), QStringLiteral("Goodbye"));
-    QVERIFY(!m_window->entryEditor()->checkBox()->isChecked());
-
-    // Another file starts at its first entry, not at the row the last one was on.
-    const QString other = TestSupport::writeFile(m_dir->filePath(QStringLiteral("Other.strings")),
-                                                 "\"a\" = \"A\";\n\"b\" = \"B\";\n\"c\" = \"C\";\n");
-    doc()->addFiles(QList<QPair<QString, OptString>>{{other, std::nullopt}});
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    m_window->selectEntryRow(2);
-    m_window->selectFileRows({fileRow(QStringLiteral("Other.strings"))});
-    QCOMPARE(m_window->entryTable()->currentIndex().row(), 0);
-    QCOMPARE(m_window->currentEntry(), entries()->entryAt(0));
-
-    // Two files selected: no entries shown.
-    m_window->selectFileRows({0, 1});
-    QCOMPARE(entries()->rowCount(), 0);
-    QVERIFY(!m_window->currentEntry());
-}
-
-void TestDocumentWindow::editingLocalizedWordInTable()
-{
-    addFixture();
-    const int localizable = fileRow(QStringLiteral("Localizable.strings"));
-    m_window->selectFileRows({localizable});
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-    const int bye = rowOfKey(QStringLiteral("bye"));
-    const LocEntryPtr entry = entries()->entryAt(bye);
-
-    QVERIFY(entries()->setData(entries()->index(bye, EntryTableModel::LocalizedWordColumn), QStringLiteral("Au \"revoir\""),
-                               Qt::EditRole));
-    // The entry's text is rewritten in string-table form, and the entry checked.
-    QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Au \\\"revoir\\\""));
-    QVERIFY(entry->entry().endsWith(QStringLiteral("\n\"Goodbye\" = \"Au \\\"revoir\\\"\";")));
-    QVERIFY(entry->isChecked());
-    QVERIFY(doc()->isDocumentEdited());
-    QCOMPARE(entries()->index(bye, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Au \\\"revoir\\\""));
-    QTRY_COMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("2/3"));
-
-    // The same word again is no edit.
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-    entries()->setData(entries()->index(bye, EntryTableModel::LocalizedWordColumn), entry->localizedWord().value(), Qt::EditRole);
-    QVERIFY(!doc()->isDocumentEdited());
-}
-
-void TestDocumentWindow::typingInEntryEditor()
-{
-    addFixture();
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    const int cancel = rowOfKey(QStringLiteral("cancel"));
-    m_window->selectEntryRow(cancel);
-    const LocEntryPtr entry = m_window->currentEntry();
-    QCOMPARE(wordOrEmpty(entry->baseWord()), QStringLiteral("Cancel"));
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-
-    m_window->entryEditor()->focusEditor();
-    QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Annuler"));
-    // Typing marks the document at once; the word is written when the user moves on.
-    QVERIFY(doc()->isDocumentEdited());
-    QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Cancel"));
-    m_window->selectPrevious();
-    QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Annuler"));
-    QVERIFY(entry->isChecked());
-    QCOMPARE(entries()->index(cancel, EntryTableModel::LocalizedWordColumn).data().toString(), QStringLiteral("Annuler"));
-
-    // Saving writes a pending edit too.
-    m_window->selectEntryRow(cancel);
-    m_window->entryEditor()->focusEditor();
-    QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Fermer"));
-    m_savePanel.answers = {m_dir->filePath(QStringLiteral("saved.vocabrix"))};
-    QVERIFY(m_window->save());
-    QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Fermer"));
-    QVERIFY(!doc()->isDocumentEdited());
-}
-
-void TestDocumentWindow::checkBoxGoesThroughSwitchButton()
-{
-    addFixture();
-    const int localizable = fileRow(QStringLiteral("Localizable.strings"));
-    m_window->selectFileRows({localizable});
-    const int bye = rowOfKey(QStringLiteral("bye"));
-    m_window->selectEntryRow(bye);
-    const LocEntryPtr entry = entries()->entryAt(bye);
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-
-    QVERIFY(entries()->setData(entries()->index(bye, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole));
-    QVERIFY(entry->isChecked());
-    QVERIFY(doc()->isDocumentEdited());
-    QVERIFY(m_window->entryEditor()->checkBox()->isChecked());
-    QTRY_COMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("2/3"));
-
-    // The editor's check box unticks it again, through the same command.
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-    m_window->entryEditor()->checkBox()->click();
-    QVERIFY(!entry->isChecked());
-    QVERIFY(doc()->isDocumentEdited());
-    QCOMPARE(entries()->index(bye, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Unchecked);
-}
-
-void TestDocumentWindow::checkAndNextMovesOn()
-{
-    addFixture();
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    m_window->selectEntryRow(0);
-    const LocEntryPtr first = m_window->currentEntry();
-    first->setCheck(false);
-    m_window->entryEditor()->finishButton()->click();
-    QVERIFY(first->isChecked());
-    QCOMPARE(m_window->currentEntry(), entries()->entryAt(1));
-    // Ctrl+Return in the editor does the same.
-    QApplication::setActiveWindow(m_window);
-    QVERIFY(QTest::qWaitForWindowActive(m_window));
-    m_window->entryEditor()->focusEditor();
-    QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_Return, Qt::ControlModifier);
-    QCOMPARE(m_window->currentEntry(), entries()->entryAt(2));
-    QVERIFY(entries()->entryAt(1)->isChecked());
-    QVERIFY(!m_window->entryEditor()->entryField()->toPlainText().contains(u'\n'));
-    // At the end the selection stays on the last entry.
-    m_window->selectEntryRow(2);
-    m_window->checkLocalized();
-    QCOMPARE(m_window->currentEntry(), entries()->entryAt(2));
-}
-
-void TestDocumentWindow::hidingCheckedEntries()
-{
-    addFixture();
-    const LocFilePtr file = m_window->fileModel()->fileAt(fileRow(QStringLiteral("Localizable.strings")));
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    QCOMPARE(entries()->rowCount(), 3);
-
-    Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, true);
-    QCOMPARE(entries()->rowCount(), 2);  // "hello" is checked
-    QCOMPARE(rowOfKey(QStringLiteral("hello")), -1);
-
-    // Checking an entry takes it out of the list a moment later; it stays in the file.
-    const int bye = rowOfKey(QStringLiteral("bye"));
-    m_window->selectEntryRow(bye);
-    entries()->setData(entries()->index(bye, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole);
-    QCOMPARE(entries()->rowCount(), 2);
-    QTRY_COMPARE(entries()->rowCount(), 1);
-    QCOMPARE(file->allEntries().size(), 3);
-    // The entry that took its place is the one shown, with the editor ready for typing.
-    QCOMPARE(m_window->currentEntry(), entries()->entryAt(0));
-    QCOMPARE(wordOrEmpty(m_window->currentEntry()->keyWord()), QStringLiteral("cancel"));
-
-    Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
-    QCOMPARE(entries()->rowCount(), 3);
-}
-
-void TestDocumentWindow::searchFiltersEveryFile()
-{
-    addFixture();
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    m_window->searchField()->setText(QStringLiteral("GOODBYE"));
-    QCOMPARE(entries()->rowCount(), 1);
-    QCOMPARE(rowOfKey(QStringLiteral("bye")), 0);
-    const LocFilePtr info = files()->fileAt(fileRow(QStringLiteral("InfoPlist.strings")));
-    QCOMPARE(info->entries().size(), 0);
-    m_window->searchField()->clear();
-    QCOMPARE(entries()->rowCount(), 3);
-    QCOMPARE(info->entries().size(), 1);
-}
-
-void TestDocumentWindow::languagePopupsChangeDocument()
-{
-    LanguageComboBox *to = m_window->languageToPp();
-    LanguageComboBox *from = m_window->languageFromPp();
-    QCOMPARE(from->selectedTag(), doc()->locLangFrom());
-    QCOMPARE(to->selectedTag(), doc()->locLangTo());
-    QCOMPARE(to->count(), int(languageItems().size()));
-
-    QSignalSpy reset(doc(), &MyDocument::dictionaryPathReset);
-    const int german = to->findData(3);
-    to->setCurrentIndex(german);
-    emit to->activated(german);
-    QCOMPARE(doc()->locLangTo(), 3);
-    QVERIFY(!reset.isEmpty());
-    QVERIFY(reset.last().first().toString().endsWith(
-        QStringLiteral("%1-%2.strings").arg(*languageKeyForLanguage(1), *languageKeyForLanguage(3))));
-    QVERIFY(doc()->isDocumentEdited());  // the archive keeps the pair
-
-    // The popups follow the document (an opened or reverted archive).
-    doc()->setLocLangFrom(2);
-    QCOMPARE(from->selectedTag(), 2);
-}
-
-void TestDocumentWindow::titleField()
-{
-    QCOMPARE(m_window->titleField()->text(), QStringLiteral("Title"));
-    m_window->titleField()->selectAll();
-    QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
-    QCOMPARE(doc()->title(), QStringLiteral("Notes"));
-    doc()->setTitle(QStringLiteral("Other"));
-    QCOMPARE(m_window->titleField()->text(), QStringLiteral("Other"));
-}
-
-void TestDocumentWindow::busyIndicatorFollowsLoading()
-{
-    QVERIFY(!m_window->busyIndicator()->isVisible());
-    bool shownWhileAdding = false;
-    connect(doc(), &MyDocument::progress, this, [&] { shownWhileAdding = m_window->busyIndicator()->isVisible(); });
-    addFixture();
-    QVERIFY(shownWhileAdding);
-    QVERIFY(!m_window->busyIndicator()->isVisible());
-}
-
-void TestDocumentWindow::closeAsksAboutUnsavedChanges_data()
-{
-    QTest::addColumn<int>("button");
-    QTest::addColumn<QString>("savedAs");
-    QTest::addColumn<bool>("closes");
-    QTest::addColumn<bool>("written");
-    QTest::newRow("save") << 0 << QStringLiteral("doc.vocabrix") << true << true;
-    QTest::newRow("save, panel cancelled") << 0 << QString() << false << false;
-    QTest::newRow("don't save") << 1 << QString() << true << false;
-    QTest::newRow("cancel") << 2 << QString() << false << false;
-}
-
-void TestDocumentWindow::closeAsksAboutUnsavedChanges()
-{
-    QFETCH(int, button);
-    QFETCH(QString, savedAs);
-    QFETCH(bool, closes);
-    QFETCH(bool, written);
-
-    // Unchanged: closes without a question.
-    QVERIFY(m_window->canClose());
-    QVERIFY(m_dialogs.alerts().isEmpty());
-
-    addFixture();
-    m_dialogs.clearLog();
-    m_dialogs.queueAlertButton(button);
-    const QString path = savedAs.isEmpty() ? QString() : m_dir->filePath(savedAs);
-    m_savePanel.answers = {path};
-    const bool closed = m_window->close();
-    QCOMPARE(closed, closes);
-    QCOMPARE(m_dialogs.alerts().size(), 1);
-    const Alert question = m_dialogs.alerts().first();
-    QVERIFY(question.title.contains(QStringLiteral("Untitled")));
-    QCOMPARE(question.buttons, (QStringList{QStringLiteral("Save"), QStringLiteral("Don't Save"), QStringLiteral("Cancel")}));
-    QCOMPARE(m_savePanel.asked, button == 0 ? 1 : 0);
-    QCOMPARE(!path.isEmpty() && QFileInfo::exists(path), written);
-    if (closes) QTRY_VERIFY(m_window.isNull());  // deleted on close
-    else QVERIFY(m_window->isVisible());
-
-    if (written) {  // what was saved reads back
-        MyDocument reread;
-        QVERIFY(reread.readFromFile(path));
-        QCOMPARE(reread.files().size(), 2);
-    }
-}
-
-void TestDocumentWindow::revertGoesBackToSavedFile()
-{
-    addFixture();
-    const QString path = m_dir->filePath(QStringLiteral("r.vocabrix"));
-    QVERIFY(doc()->writeToFile(path));
-    QVERIFY(!m_window->revertDocument());  // nothing changed: nothing to revert
-    m_window->selectFileRows({0});
-    m_dialogs.queueAlertButton(0);
-    m_window->deleteCurrentFile();
-    QCOMPARE(files()->rowCount(), 1);
-
-    m_dialogs.queueAlertButton(1);  // "Cancel"
-    QVERIFY(!m_window->revertDocument());
-    QCOMPARE(files()->rowCount(), 1);
-    m_dialogs.queueAlertButton(0);
-    QVERIFY(m_window->revertDocument());
-    QCOMPARE(files()->rowCount(), 2);
-    QVERIFY(!doc()->isDocumentEdited());
-    QVERIFY(m_window->currentEntry());
-}
-
-void TestDocumentWindow::deleteAsksFirst()
-{
-    addFixture();
-    m_window->selectFileRows({0, 1});
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-    m_dialogs.clearLog();
-    m_dialogs.queueAlertButton(1);
-    m_window->deleteCurrentFile();
-    QCOMPARE(m_dialogs.alerts().first().title, QStringLiteral("Delete File"));
-    QCOMPARE(files()->rowCount(), 2);
-    QVERIFY(!doc()->isDocumentEdited());
-
-    // Backspace in the file table asks the same question.
-    m_dialogs.queueAlertButton(0);
-    m_window->fileTable()->setFocus();
-    QTest::keyClick(m_window->fileTable(), Qt::Key_Backspace);
-    QCOMPARE(files()->rowCount(), 0);
-    QVERIFY(doc()->isDocumentEdited());
-    QVERIFY(!m_window->toolbarItem(QStringLiteral("Export"))->isEnabled());
-}
-
-void TestDocumentWindow::spellingStateIsSavedWithDocument()
-{
-    QVERIFY(!m_window->entryEditor()->isContinuousSpellCheckingEnabled());
-    m_window->entryEditor()->spellingAction()->setChecked(true);
-    QVERIFY(!Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
-    m_savePanel.answers = {m_dir->filePath(QStringLiteral("s.vocabrix"))};
-    QVERIFY(m_window->save());
-    QVERIFY(Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
-
-    DocumentWindow later(new MyDocument);
-    QVERIFY(later.entryEditor()->isContinuousSpellCheckingEnabled());
-}
-
-void TestDocumentWindow::grabShowsWindow()
-{
-    addFixture();
-    const QImage image = m_window->grab().toImage();
-    QVERIFY(!image.isNull());
-    QCOMPARE(image.size(), m_window->size() * image.devicePixelRatio());
-    // A drawn window has text, lines and fields: many colours, not one flat fill.
-    QSet<QRgb> colours;
-    for (int y = 0; y < image.height(); y += 3)
-        for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
-    QVERIFY2(colours.size() > 20, qPrintable(QString::number(colours.size())));
-    // The unchecked file is painted red somewhere in the file table.
-    const QImage table = m_window->fileTable()->grab().toImage();
-    bool red = false;
-    for (int y = 0; y < table.height() && !red; ++y)
-        for (int x = 0; x < table.width() && !red; ++x) {
-            const QColor c = table.pixelColor(x, y);
-            red = c.red() > 200 && c.green() < 80 && c.blue() < 80;
-        }
-    QVERIFY(red);
-}
-
-void TestDocumentWindow::exportTakesSelectionAndPendingEdit()
-{
-    addFixture();
-    const QString out = m_dir->filePath(QStringLiteral("out"));
-    QDir().mkpath(out);
-    m_window->selectFileRows({fileRow(QStringLiteral("Localizable.strings"))});
-    m_window->selectEntryRow(rowOfKey(QStringLiteral("bye")));
-    m_window->entryEditor()->focusEditor();
-    QTest::keyClicks(m_window->entryEditor()->entryField(), QStringLiteral("Au revoir"));
-    doc()->updateChangeCount(MyDocument::ChangeCleared);
-
-    m_dialogs.clearLog();
-    m_dialogs.queuePanelAnswer(out);
-    m_window->toolbarItem(QStringLiteral("Export"))->trigger();
-    // Only the selected file, with the word still being typed.
-    QCOMPARE(QDir(out).entryList(QDir::Files), QStringList{QStringLiteral("Localizable.strings")});
-    const auto table = dictionaryWithContentsOfFile(QDir(out).filePath(QStringLiteral("Localizable.strings")));
-    QVERIFY(table);
-    QCOMPARE(table->value(QStringLiteral("bye")), QStringLiteral("Au revoir"));
-    QCOMPARE(m_dialogs.panels().first().prompt, QStringLiteral("Export"));
-
-    m_dialogs.queuePanelAnswer(out);
-    m_window->toolbarItem(QStringLiteral("ExportAll"))->trigger();
-    QCOMPARE(QDir(out).entryList(QDir::Files).size(), 2);
-    // A cancelled folder panel writes nothing and asks nothing more.
-    QFile::remove(QDir(out).filePath(QStringLiteral("InfoPlist.strings")));
-    m_dialogs.queuePanelCancel();
-    m_window->toolbarItem(QStringLiteral("ExportAll"))->trigger();
-    QVERIFY(!QFileInfo::exists(QDir(out).filePath(QStringLiteral("InfoPlist.strings"))));
+    QList<int> rows;
+    for (const QModelIndex &index : m_window->fileTable()->selectionModel()->selectedRows()) rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 QTEST_MAIN(TestDocumentWindow)
 #include "test_document_window.moc"
-
-// What the command line prints about a file, the window shows: a table that breaks the grammar
-// is named in a sheet; the developer's comment of a pair is shown beside its base word.
-void TestDocumentWindow::tableProblemsAndNotesAreShown()
-{
-    const QString broken = TestSupport::writeFile(m_dir->filePath(QStringLiteral("a/Broken.strings")), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
-    const QString good = TestSupport::writeFile(m_dir->filePath(QStringLiteral("b/Good.strings")),
-                                                "/* Preferences -> Transfers -> Magnet tooltip */\n\"magnet\" = \"Open magnets\";\n");
-    m_dialogs.queuePanelAnswer(broken);
-    m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
-    QVERIFY(!m_dialogs.alerts().isEmpty());
-    QVERIFY2(m_dialogs.alerts().last().message.contains(QStringLiteral("breaks the string-table syntax at line 2")),
-             qPrintable(m_dialogs.alerts().last().message));
-
-    const qsizetype alertsBefore = m_dialogs.alerts().size();
-    m_dialogs.queuePanelAnswer(good);
-    m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
-    QCOMPARE(m_dialogs.alerts().size(), alertsBefore);  // nothing to tell about a sound table
-    m_window->selectFileRows({fileRow(QStringLiteral("Good.strings"))});
-    m_window->selectEntryRow(0);
-    QCOMPARE(m_window->entryEditor()->commentLabel()->text(), QStringLiteral("Preferences -> Transfers -> Magnet tooltip"));
-}

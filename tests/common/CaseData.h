@@ -74,22 +74,36 @@ inline QList<QStringList> readCaseTable(const QString &path, int columns)
 }
 
 // One row per line of tests/data/<table> (a path like "handlers/strings-pairs.tsv"), all columns
-// QString; QTest keeps the column names' pointers, so they are string literals. With
-// `inBothEncodings` each line makes two rows, first column "utf16" false then true, for cases
-// that must hold whichever encoding the file is in.
-inline void addCaseRows(const QString &table, std::initializer_list<const char *> columns, bool inBothEncodings = false)
+// QString. With `inBothEncodings` each line makes two rows, first column "utf16" false then true,
+// for cases that must hold whichever encoding the file is in.
+inline void addCaseRows(const QString &table, const QStringList &columns, bool inBothEncodings = false)
 {
+    // QTest keeps the column names' pointers, so the names must outlive the test.
+    static QList<QByteArray> kept;
     if (inBothEncodings) QTest::addColumn<bool>("utf16");
-    for (const char *c : columns) QTest::addColumn<QString>(c);
+    for (const QString &c : columns) {
+        kept.append(c.toUtf8());
+        QTest::addColumn<QString>(kept.last().constData());
+    }
     for (const QStringList &row : readCaseTable(dataDir(table), int(columns.size()) + 1)) {
         for (bool utf16 : {false, true}) {
             if (utf16 && !inBothEncodings) break;
             const QString name = inBothEncodings ? row[0] + (utf16 ? QStringLiteral(" (UTF-16)") : QStringLiteral(" (UTF-8)")) : row[0];
             auto &r = QTest::newRow(qPrintable(name));
             if (inBothEncodings) r << utf16;
-            for (qsizetype i = 1; i <= qsizetype(columns.size()); ++i) r << row[i];
+            for (qsizetype i = 1; i <= columns.size(); ++i) r << row[i];
         }
     }
+}
+inline void addCaseRows(const QString &table, std::initializer_list<const char *> columns, bool inBothEncodings = false)
+{
+    QStringList names;
+    for (const char *c : columns) names.append(QString::fromUtf8(c));
+    addCaseRows(table, names, inBothEncodings);
+}
+inline void addTableRows(const QString &area, const QString &table, const QStringList &columns)
+{
+    addCaseRows(area + u'/' + table, columns);
 }
 
 inline QString firstDifference(const QString &got, const QString &expected)

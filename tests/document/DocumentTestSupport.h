@@ -1,16 +1,5 @@
 #pragma once
-// Shared by the document tests: a private dictionary folder, and a fake strings handler.
-
-#include <QStandardPaths>
-#include <QTemporaryDir>
-
-// The dictionaries of a test live in its own folder: XDG_DATA_HOME, honoured outside test mode,
-// so test programs run side by side never share a dictionary file.
-inline void isolateDataHome(const QTemporaryDir &dir)
-{
-    QStandardPaths::setTestModeEnabled(false);
-    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.filePath(QStringLiteral("data"))));
-}
+// Shared by the document tests: a fake strings handler.
 
 // A stand-in for the strings handler, so the document's own rules are tested apart from the real
 // handlers: the base table's pairs become entries whose localized word comes from the previous
@@ -21,6 +10,7 @@ inline void isolateDataHome(const QTemporaryDir &dir)
 #include "ResourceHandler.h"
 #include "StringsFileWriter.h"
 #include "StringsTable.h"
+#include "TestSupport.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -22,7 +22,7 @@ namespace {
 
 QString fixture(const char *name)
 {
-    return QStringLiteral(VOCABRIX_SOURCE_DIR "/tests/qa/data/cli/") + QLatin1String(name);
+    return QStringLiteral(VOCABRIX_SOURCE_DIR "/tests/data/qa/cli/") + QLatin1String(name);
 }
 
 }  // namespace
