@@ -199,23 +199,36 @@ private slots:
         const QString prevB = file(QStringLiteral("p/fr.lproj/B.strings"), "\"k\" = \"w\";\n");
         MyDocument doc;
         doc.setDialogs(&m_dialogs);
+        m_dialogs.queueAlertButton(0);  // several files: choose each one's previous version
         m_dialogs.queuePanelCancel();
         m_dialogs.queuePanelAnswer(prevB);
-        m_dialogs.queuePanelCancel();
-        doc.addFiles(QStringList{a, b, rtf});
+        doc.addFiles(QStringList{a, b, rtf, a});
         const QList<OpenPanelOptions> panels = m_dialogs.panels();
-        QCOMPARE(panels.size(), 3);
-        QCOMPARE(panels.at(0).message, QStringLiteral("A.stringsSelect previous version localized file if exist"));
+        QCOMPARE(panels.size(), 2);
+        QCOMPARE(panels.at(0).message, QStringLiteral("A.strings: Select previous version localized file if exist"));
         QCOMPARE(panels.at(1).presetName, QStringLiteral("B.strings"));
         QCOMPARE(panels.at(1).prompt, QStringLiteral("Choose"));
-        QCOMPARE(panels.at(2).allowedExtensions, QStringList{QStringLiteral("rtf")});
         QVERIFY(!panels.at(0).allowsMultipleSelection && !panels.at(0).canChooseDirectories);
-        // The rtf file makes no LocFile and is skipped without a word.
+        // The rtf file is of no kind Vocabrix translates and A is there already: neither is
+        // added, and one report names both.
         QCOMPARE(names(doc.files()), (QStringList{QStringLiteral("A.strings"), QStringLiteral("B.strings")}));
         QVERIFY(!m_fake->reads.at(0).previous);
         QCOMPARE(m_fake->reads.at(1).previous, OptString(prevB));
         QCOMPARE(doc.files().at(1)->allEntries().at(0)->localizedWord(), OptString(QStringLiteral("w")));
-        QVERIFY(m_dialogs.alerts().isEmpty());
+        const QList<Alert> alerts = m_dialogs.alerts();
+        QCOMPARE(alerts.size(), 2);
+        QCOMPARE(alerts.at(0).buttons.size(), 3);
+        QVERIFY(alerts.at(1).message.contains(rtf) && alerts.at(1).message.contains(QStringLiteral("already")));
+
+        // Taken by name from one folder, without a panel per file.
+        MyDocument byFolder;
+        byFolder.setDialogs(&m_dialogs);
+        m_dialogs.clearLog();
+        m_dialogs.queueAlertButton(1);
+        m_dialogs.queuePanelAnswer(QFileInfo(prevB).absolutePath());
+        byFolder.addFiles(QStringList{a, b});
+        QCOMPARE(m_dialogs.panels().size(), 1);
+        QCOMPARE(byFolder.files().at(1)->allEntries().at(0)->localizedWord(), OptString(QStringLiteral("w")));
     }
 
     void previousPanelStartFolder_data()

@@ -6,10 +6,13 @@
 //   lines N                  the last run printed N lines
 //   write / bytes PATH TEXT  a file of TEXT in UTF-8 / in Latin-1 (for bytes that are not UTF-8)
 //   mkdir PATH, rm PATH, env NAME VALUE
-//   file PATH TEXT           the file holds exactly TEXT; has / !has: holds TEXT / does not
+//   file PATH TEXT           the file holds exactly TEXT (read in the encoding its byte-order
+//                            mark gives); has / !has: holds TEXT / does not; utf16 PATH: has a mark
 //   exists / nofile PATH, empty DIR (no entries), files DIR N (N files)
 // In every field "@/" is the case's sandbox and "@src/" the source tree.
 #include "CaseData.h"
+
+#include <QStringDecoder>
 
 class TestCliScripts : public QObject {
     Q_OBJECT
@@ -35,7 +38,9 @@ void TestCliScripts::scripts()
         const QString step = f.join(u' ');
         const QString op = f.takeFirst(), a = f.value(0), b = f.value(1);
         const QString out = QString::fromUtf8(last.out), err = QString::fromUtf8(last.err);
-        const QString text = QString::fromUtf8(TestSupport::readFile(a));
+        const QByteArray bytes = TestSupport::readFile(a);
+        // Files are compared as text in whatever encoding their byte-order mark says.
+        const QString text = QStringDecoder(QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8)).decode(bytes);
         bool ok = true;
         if (op == QLatin1String("run")) {
             last = TestSupport::runProgram(QStringLiteral(VOCABRIX_CLI),
@@ -56,6 +61,7 @@ void TestCliScripts::scripts()
         else if (op == QLatin1String("has")) ok = text.contains(b);
         else if (op == QLatin1String("!has")) ok = !text.contains(b);
         else if (op == QLatin1String("exists")) ok = QFileInfo::exists(a);
+        else if (op == QLatin1String("utf16")) ok = bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
         else if (op == QLatin1String("nofile")) ok = !QFileInfo::exists(a);
         else if (op == QLatin1String("empty")) ok = QDir(a).isEmpty();
         else if (op == QLatin1String("files")) ok = QDir(a).entryList(QDir::Files | QDir::Hidden).size() == b.toInt();
