@@ -42,9 +42,9 @@ done
 # The data file's reader and the one place that edits sources. Subcommands:
 #   ids [ID...]        the ids to run, in file order (unknown ids are an error)
 #   get ID FIELD       one field of a fault
-#   count ID           how often its snippet occurs in its file
-#   apply ID           replaces the snippet in its file; exit 3 and the count when it is not
-#                      found exactly once
+#   count ID           how often its (first misplaced) snippet occurs: 1 when all fit
+#   apply ID           makes its edits in its file; exit 3 and the count when a snippet is
+#                      not found exactly once
 read_faults() {
   python3 - "$data" "$root" "$@" <<'PY'
 import sys
@@ -76,12 +76,20 @@ def parse(path):
                 sys.exit(f"mutants.txt: block of {cur['id']}.{key} has no closing >>>")
             i += 1
             value = "\n".join(block)
-        cur[key] = value
+        edits = cur.setdefault("edits", [])
+        if key == "find":
+            edits.append([value, None])
+        elif key == "replace":
+            if not edits or edits[-1][1] is not None:
+                sys.exit(f"mutants.txt:{i}: replace: of {cur['id']} without its find:")
+            edits[-1][1] = value
+        else:
+            cur[key] = value
     seen = set()
     for f in faults:
-        missing = [k for k in ("file", "what", "find", "replace") if k not in f]
-        if missing or f["id"] in seen:
-            sys.exit(f"mutants.txt: fault {f['id']} is repeated or lacks {', '.join(missing)}")
+        missing = [k for k in ("file", "what", "edits") if k not in f]
+        if missing or f["id"] in seen or any(r is None for _, r in f.get("edits", [])):
+            sys.exit(f"mutants.txt: fault {f['id']} is repeated, lacks {', '.join(missing) or 'a replace:'}")
         seen.add(f["id"])
     return faults
 
@@ -106,7 +114,12 @@ elif cmd in ("apply", "count"):
     except OSError:
         print(0)
         sys.exit(3)
-    n = text.count(f["find"])
+    # Every snippet must occur once, each looked for after the edits before it.
+    for find, replace in f["edits"]:
+        n = text.count(find)
+        if n != 1:
+            break
+        text = text.replace(find, replace)
     if cmd == "count":
         print(n)
     elif n != 1:
@@ -114,7 +127,7 @@ elif cmd in ("apply", "count"):
         sys.exit(3)
     else:
         with open(path, "w", encoding="utf-8", newline="") as fh:
-            fh.write(text.replace(f["find"], f["replace"]))
+            fh.write(text)
 PY
 }
 
