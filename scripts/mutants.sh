@@ -161,15 +161,15 @@ restore() {
   fi
 }
 
-declare -a results=()
-caught=0; missed=0; stale=0; broken=0; missed_ids=(); start_all=$SECONDS
+caught=0; missed=0; stale=0; broken=0; missed_ids=(); other_ids=(); start_all=$SECONDS
 
 summary() {
   local ran=$((caught + missed))
   echo
-  echo "caught $caught of $ran faults that built ($missed missed, $broken did not build, $stale stale);" \
+  echo "caught $caught of $ran faults that built ($missed missed, $broken did not build or test, $stale stale);" \
        "$(( (SECONDS - start_all) / 60 )) min $(( (SECONDS - start_all) % 60 )) s"
   [ "$missed" -gt 0 ] && echo "missed: ${missed_ids[*]}"
+  [ "${#other_ids[@]}" -gt 0 ] && echo "stale, not built or not tested: ${other_ids[*]}"
   return 0
 }
 
@@ -212,10 +212,12 @@ for id in "${run_ids[@]}"; do
     current=""
     line="stale (snippet found $count times in $file)"
     stale=$((stale + 1))
+    other_ids+=("$id")
   elif ! build_tree "$logs/$id-build.log"; then
     restore
     line="does not build"
     broken=$((broken + 1))
+    other_ids+=("$id")
   else
     mapfile -t failed < <(failed_tests "$logs/$id-test.log")
     restore
@@ -223,7 +225,11 @@ for id in "${run_ids[@]}"; do
     for t in "${failed[@]}"; do
       [ -n "${expected_failure[${t%% *}]:-}" ] || catchers+=("$t")
     done
-    if [ "${#catchers[@]}" -gt 0 ]; then
+    if ! grep -q "tests passed, .* failed out of" "$logs/$id-test.log"; then
+      line="the tests did not run (see $logs/$id-test.log)"
+      broken=$((broken + 1))
+      other_ids+=("$id")
+    elif [ "${#catchers[@]}" -gt 0 ]; then
       line="caught by: $(IFS=,; echo "${catchers[*]}" | sed 's/,/, /g')"
       caught=$((caught + 1))
     else
