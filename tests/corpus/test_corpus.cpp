@@ -505,6 +505,15 @@ private slots:
             return;
         }
         const auto peer = peerMap(path);
+        if (peer) {
+            // The reader that previous versions and dictionaries go through agrees with the peer
+            // too, but for the short form "x";, which the peer reads as an empty value.
+            std::optional<StringMap> core = StringsTable::parseData(readFile(path));
+            if (core && *peer)
+                for (const auto &[key, value] : QList(core->pairs()))
+                    if (key == value && (*peer)->value(key).isEmpty()) core->insert(key, QString());
+            QVERIFY2(core == *peer, "the table reader and the peer disagree");
+        }
         if (peer && !*peer) {
             // The peer read nothing: ours tells the user why (a broken table, a guessed encoding).
             QVERIFY2(!warnings.isEmpty(), "a table the peer refuses was read without a word");
