@@ -295,7 +295,12 @@ void DocumentWindow::deleteCurrentFile()
 {
     Alert alert;
     alert.title = localizedString(QStringLiteral("Delete File"));
-    alert.message = localizedString(QStringLiteral("Can not undo deleting."));
+    QStringList names;
+    for (const LocFilePtr &file : selectedFiles()) names.append(file->fileName());
+    if (names.isEmpty()) return;
+    alert.message = localizedString(QStringLiteral("Can not undo deleting.")) + QStringLiteral("\n\n")
+                    + localizedString(QStringLiteral("These files leave the document: %1. Nothing on disk is removed."))
+                          .arg(names.join(QLatin1String(", ")));
     alert.buttons = QStringList{localizedString(QStringLiteral("OK")), localizedString(QStringLiteral("Cancel"))};
     if (dialogs().runAlert(alert) != 0) return;
     m_entryEditor->commit();

@@ -10,6 +10,7 @@
 #include <QBrush>
 #include <QDataStream>
 #include <QFileInfo>
+#include <QHash>
 #include <QIODevice>
 #include <QMimeData>
 #include <QPointer>
@@ -17,7 +18,7 @@
 #include <QUrl>
 
 FileTableModel::FileTableModel(MyDocument *document, QObject *parent)
-    : QAbstractTableModel(parent), m_document(document), m_files(document->files())
+    : QAbstractTableModel(parent), m_document(document), m_files(document->files()), m_names(shownNames(m_files))
 {
     connect(document, &MyDocument::filesChanged, this, &FileTableModel::reload);
     // Entries post their check marks one by one, thousands of them while a bundle is read:
@@ -25,10 +26,37 @@ FileTableModel::FileTableModel(MyDocument *document, QObject *parent)
     connect(document, &MyDocument::entryModified, this, &FileTableModel::refreshStatus);
 }
 
+// Two files of one name (Localizable.strings of the application and of a framework, or of two
+// language folders) are told apart by as many of their last folders as it takes.
+QStringList FileTableModel::shownNames(const QList<LocFilePtr> &files)
+{
+    QList<QStringList> parts;
+    QList<int> depth;
+    for (const LocFilePtr &f : files) {
+        parts.append(f->path().split(u'/', Qt::SkipEmptyParts));
+        depth.append(1);
+    }
+    const auto nameOf = [&](qsizetype i) { return parts[i].mid(std::max<qsizetype>(0, parts[i].size() - depth[i])).join(u'/'); };
+    for (bool changed = true; changed;) {
+        changed = false;
+        QHash<QString, int> count;
+        for (qsizetype i = 0; i < parts.size(); ++i) ++count[nameOf(i)];
+        for (qsizetype i = 0; i < parts.size(); ++i)
+            if (count.value(nameOf(i)) > 1 && depth[i] < parts[i].size()) {
+                ++depth[i];
+                changed = true;
+            }
+    }
+    QStringList names;
+    for (qsizetype i = 0; i < parts.size(); ++i) names.append(nameOf(i));
+    return names;
+}
+
 void FileTableModel::reload()
 {
     beginResetModel();
     m_files = m_document->files();
+    m_names = shownNames(m_files);
     m_summaries.clear();
     m_quality.clear();
     endResetModel();
@@ -73,7 +101,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (!file) return {};
     switch (role) {
     case Qt::DisplayRole:
-        return index.column() == NameColumn ? file->fileName() : file->status();
+        return index.column() == NameColumn ? m_names.value(index.row(), file->fileName()) : file->status();
     case Qt::ForegroundRole:
         if (file->color() == EntryColor::Red) return QBrush(Qt::red);
         return {};

@@ -45,10 +45,13 @@ public slots:
     // Status and colour of every row read again (an entry's check mark changed).
     void refreshStatus();
 
+    static QStringList shownNames(const QList<LocFilePtr> &files);
+
 private:
     void reload();
     MyDocument *m_document;
     QList<LocFilePtr> m_files;  // the document's list as last announced
+    QStringList m_names;        // what the name column shows, row by row
     bool m_refreshPending = false;
     // Per file, read again after entries changed (their texts change after they announce it).
     Qa::FileSummary summary(const LocFile &file) const;
