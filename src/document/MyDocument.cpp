@@ -62,6 +62,8 @@ void MyDocument::setLocLangTo(int tag)
 void MyDocument::setFiles(const QList<LocFilePtr> &files)
 {
     m_files = files;
+    // A search in force holds for files added or read again (Revert) as for the others.
+    if ((m_searchText && !m_searchText->isEmpty()) || m_onlyChangedBase) search(m_searchText);
     emit filesChanged();
 }
 
