@@ -3,9 +3,8 @@
 // the reader is checked against hand-made input rather than against our own writer.
 
 #include "PropertyList.h"
+#include "TestSupport.h"
 
-#include <QDir>
-#include <QFile>
 #include <QList>
 #include <QString>
 
@@ -14,21 +13,6 @@ namespace PlistTest {
 inline QString dataPath(const QString &name)
 {
     return QStringLiteral(PLIST_TEST_DATA "/") + name;
-}
-
-inline QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-// The shared corpus folder, or empty when it is absent.
-inline QString corpusDir()
-{
-    QString dir = qEnvironmentVariable("VOCABRIX_CORPUS");
-    if (dir.isEmpty())
-        dir = QStringLiteral(PLIST_TEST_SOURCE_ROOT "/../shared/corpus");
-    return QDir(dir).exists() ? QDir(dir).canonicalPath() : QString();
 }
 
 // A "bplist00" file from objects given in hex ("A2 01 02"). References are one byte, offsets are

@@ -56,7 +56,7 @@ void ReaderTest::fixtures()
         : name.startsWith(u"binary")                ? Format::Binary
                                                     : Format::OpenStep;
     QCOMPARE(formatName(r.format), formatName(expected));
-    QCOMPARE(QString::fromUtf8(toJson(*r.value)), QString::fromUtf8(PlistTest::readBytes(expectedJson)));
+    QCOMPARE(QString::fromUtf8(toJson(*r.value)), QString::fromUtf8(TestSupport::readFile(expectedJson)));
 }
 
 void ReaderTest::binaryObjectKinds()
