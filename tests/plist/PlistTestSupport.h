@@ -26,6 +26,26 @@ struct BinaryBuilder {
     qint64 tableOffset = -1;   // default: where the table really is
     QList<quint64> offsetOverrides;  // replaces the computed offsets when not empty
 
+    // A builder from a row of a case table: objects in hex separated by "|", and the trailer
+    // fields that differ from a consistent one ("top=5 refSize=2"; offset= count= table=
+    // offsetSize= as well).
+    static BinaryBuilder fromRow(const QString &objects, const QString &trailer)
+    {
+        BinaryBuilder b;
+        for (const QString &object : objects.split(u'|')) b.objects.append(QByteArray::fromHex(object.toLatin1()));
+        for (const QString &field : trailer.split(u' ', Qt::SkipEmptyParts)) {
+            const QString name = field.section(u'=', 0, 0);
+            const qint64 value = field.section(u'=', 1).toLongLong();
+            if (name == u"offset") b.offsetOverrides = {quint64(value)};
+            else if (name == u"count") b.objectCount = value;
+            else if (name == u"top") b.topObject = value;
+            else if (name == u"table") b.tableOffset = value;
+            else if (name == u"offsetSize") b.offsetSize = int(value);
+            else if (name == u"refSize") b.refSize = int(value);
+        }
+        return b;
+    }
+
     BinaryBuilder &add(const char *hex)
     {
         objects.append(QByteArray::fromHex(hex));

@@ -104,21 +104,8 @@ void HostileTest::tableRefused()
     QFETCH(QString, input);
     QFETCH(QString, error);
     QFETCH(QString, trailer);
-    if (form == u"binary") {
-        BinaryBuilder b;
-        for (const QString &object : input.split(u'|')) b.objects.append(QByteArray::fromHex(object.toLatin1()));
-        for (const QString &field : trailer.split(u' ', Qt::SkipEmptyParts)) {
-            const QString name = field.section(u'=', 0, 0);
-            const qint64 value = field.section(u'=', 1).toLongLong();
-            if (name == u"offset") b.offsetOverrides = {quint64(value)};
-            else if (name == u"count") b.objectCount = value;
-            else if (name == u"top") b.topObject = value;
-            else if (name == u"table") b.tableOffset = value;
-            else if (name == u"offsetSize") b.offsetSize = int(value);
-            else if (name == u"refSize") b.refSize = int(value);
-        }
-        return refused(b.build(), Format::Binary, error);
-    }
+    if (form == u"binary")
+        return refused(BinaryBuilder::fromRow(input, trailer).build(), Format::Binary, error);
     refused(input.toUtf8(), form == u"xml" ? Format::Xml : Format::OpenStep, error);
 }
 
