@@ -246,26 +246,7 @@ void WriterTest::jsonRendering()
 // the same bytes, for every kind of unit it escapes or encodes differently.
 void WriterTest::jsonStringsAsQtWritesThem_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("plain ASCII") << QStringLiteral("Open Recent %@");
-    // Runs of plain ASCII go eight units at a time: escapes and other characters at every place
-    // of such a run.
-    QTest::newRow("long mixed run") << QString::fromUtf8("01234567\"abcdefg\x01hijklmn\\opqrstu\x7fvwxyz\xc3\xa9""0123456789abcdef"
-                                                         "ghij\xe9\x96\x8b" "klmnopqr\xf0\x9f\x98\x80stuvwxyz");
-    QTest::newRow("quote and backslash") << QStringLiteral("say \"hi\" C:\\dir\\");
-    QTest::newRow("named controls") << QStringLiteral("\b\f\n\r\t");
-    QString controls;
-    for (char16_t c = 0; c < 0x20; ++c) controls += QChar(c);
-    QTest::newRow("every control") << controls + QChar(0x7F);
-    QTest::newRow("two-byte UTF-8") << QString::fromUtf8("Öffnen Ångström é \u00ff \u07ff");
-    QTest::newRow("three-byte UTF-8") << QString::fromUtf8("開く ファイル \u0800 \ufffd \uffff");
-    QTest::newRow("surrogate pair") << QString::fromUtf8("flag 🇫🇷 end 😀");
-    const QChar high(0xD83D), low(0xDE00);
-    QTest::newRow("lone high surrogate") << QStringLiteral("a") + high + QStringLiteral("b");
-    QTest::newRow("lone low surrogate") << low + QStringLiteral("a");
-    QTest::newRow("high surrogate at the end") << QStringLiteral("end") + high;
-    QTest::newRow("pair reversed") << QString(low) + high;
+    TestSupport::addCaseRows(u"../plist/data/json-strings.tsv"_qs, {"text"});
 }
 
 void WriterTest::jsonStringsAsQtWritesThem()
