@@ -3,7 +3,7 @@
 // generated nib of N controls (default 5,000) to show how it grows:
 //   bench_nib [--controls N] [--corpus DIR]   (default: $VOCABRIX_CORPUS, else ../shared/corpus)
 // Prints one JSON line per figure; times are per operation, the median of repeated runs.
-#include "../tests/interface/NibFixtures.h"
+#include "NibBuilder.h"
 #include "nib/CompiledNib.h"
 #include "nibtool/NibtoolListing.h"
 

@@ -11,7 +11,6 @@
 #include "StringsHandler.h"
 #include "StringsLayout.h"
 #include "StringsTable.h"
-#include "TestSupport.h"
 #include "TextFile.h"
 #include "XmlInterfaceFile.h"
 #include "nib/CompiledNib.h"
@@ -30,11 +29,11 @@ using namespace interface;
 using TestSupport::corpusDir;
 using TestSupport::corpusFiles;
 using TestSupport::readFile;
+using TestSupport::S;
 
 namespace {
 
 QString rel(const QString &path) { return QDir(corpusDir()).relativeFilePath(path); }
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 
 QString decoded(const QString &path) { return decodeTextFileData(readFile(path)).value_or(QString()); }
 

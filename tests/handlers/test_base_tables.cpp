@@ -3,12 +3,11 @@
 // list) and exports such a table in the same form; .stringsdict files give entries for their
 // texts only and export whole. Runs the built vocabrix-ibtool (through VOCABRIX_TOOLS_DIR).
 
-#include "InterfaceCases.h"
 #include "Handlers.h"
+#include "InterfaceCases.h"
 #include "LocFile.h"
 #include "PropertyList.h"
 #include "StringsTable.h"
-#include "TestSupport.h"
 
 #include <QTest>
 
@@ -17,13 +16,6 @@ using TestSupport::S;
 namespace {
 
 QByteArray data(const char *name) { return TestSupport::readFile(TestSupport::dataDir(u"handlers/"_qs) + QLatin1String(name)); }
-
-// The previous release's French table: one key translated, one the same as the base, one stale;
-// the name field and the quoted text are missing.
-const char *kPreviousTable = "/* Class = \"NSWindow\"; title = \"Preferences\"; ObjectID = \"1\"; */\n"
-                             "\"1.title\" = \"Préférences\";\n"
-                             "\"11.title\" = \"OK\";\n"
-                             "\"99.title\" = \"Gone\";\n";
 
 QByteArray encoded(const QString &form, const QString &text)
 {
@@ -58,35 +50,24 @@ private slots:
         if (qEnvironmentVariableIsEmpty("VOCABRIX_TOOLS_DIR")) QSKIP("VOCABRIX_TOOLS_DIR is not set");
     }
 
+    // The previous release's French table (base-previous.strings: one key translated, one the
+    // same as the base, one stale; the name field and the quoted text missing) in the form of
+    // the row (utf8, utf16, binary, none), maybe a dictionary: the entries, then the export in
+    // the same form, byte for byte.
     void interfaceFileWithPreviousTable_data()
     {
-        QTest::addColumn<QString>("form");        // the previous release's table: utf8, utf16, binary, none
-        QTest::addColumn<QString>("dictionary");  // a dictionary table, or empty
-        QTest::addColumn<QString>("expected");
-        QTest::addColumn<QByteArray>("exportedStart");
-        const QString fromTable = S("1.title=Préférences+|11.title=OK+|Ab1-cd-EF2.title=Name:-|Qz9-xx-001.title=Say \\\"hi\\\"-");
-        QTest::newRow("UTF-8 table") << "utf8" << QString() << fromTable << QByteArray("\n/* Class = \"NSWindow\";");
-        QTest::newRow("UTF-16 table") << "utf16" << QString() << fromTable << QByteArray("\xFF\xFE\n\0/\0", 6);
-        QTest::newRow("binary table") << "binary" << QString() << fromTable << QByteArray("bplist00");
-        QTest::newRow("table first, dictionary for the rest")
-            << "utf8" << S("\"Name:\" = \"Nom :\";\n\"OK\" = \"D'accord\";\n")
-            << S("1.title=Préférences+|11.title=OK+|Ab1-cd-EF2.title=Nom :+|Qz9-xx-001.title=Say \\\"hi\\\"-")
-            << QByteArray("\n/*");
-        QTest::newRow("no previous release: still a table")
-            << "none" << QString()
-            << S("1.title=Preferences-|11.title=OK-|Ab1-cd-EF2.title=Name:-|Qz9-xx-001.title=Say \\\"hi\\\"-")
-            << QByteArray("\n/*");
+        TestSupport::addCaseRows(u"handlers/base-tables.tsv"_qs, {"form", "dictionary", "expected", "golden"});
     }
     void interfaceFileWithPreviousTable()
     {
         QFETCH(QString, form);
         QFETCH(QString, dictionary);
         QFETCH(QString, expected);
-        QFETCH(QByteArray, exportedStart);
+        QFETCH(QString, golden);
         const QString dir = folder();
         const QString base = TestSupport::writeFile(dir + QLatin1String("/New.app/Base.lproj/Prefs.xib"), data("base-prefs.xib"));
         const QString previous = dir + QLatin1String("/Old.app/fr.lproj/Prefs.strings");
-        if (form != QLatin1String("none")) TestSupport::writeFile(previous, encoded(form, S(kPreviousTable)));
+        if (form != QLatin1String("none")) TestSupport::writeFile(previous, encoded(form, QString::fromUtf8(data("base-previous.strings"))));
         OptString dictPath;
         if (!dictionary.isEmpty()) dictPath = TestSupport::writeFile(dir + QLatin1String("/dict.strings"), dictionary.toUtf8());
 
@@ -100,25 +81,9 @@ private slots:
         QDir().mkpath(out);
         const StringMap pairs = file->makeLocalizedFileAt(out);
         QVERIFY(!QFileInfo::exists(out + QLatin1String("/Prefs.xib")));
-        const QByteArray bytes = TestSupport::readFile(out + QLatin1String("/Prefs.strings"));
-        QVERIFY2(bytes.startsWith(exportedStart), bytes.left(40).toHex().constData());
-        const auto table = dictionaryWithContentsOfFile(out + QLatin1String("/Prefs.strings"));
-        QVERIFY(table);
-        QCOMPARE(table->size(), file->allEntries().size());
-        for (const LocEntryPtr &e : file->allEntries()) {
-            const QString expectedWord = *StringsTable::parse(QStringLiteral("\"k\" = \"%1\";").arg(*e->localizedWord()))
-                                              ->find(QStringLiteral("k"));
-            QCOMPARE(table->value(*e->keyWord()), expectedWord);
-        }
+        QVERIFY(TestSupport::compareBytes(TestSupport::readFile(out + QLatin1String("/Prefs.strings")),
+                                          TestSupport::dataDir(u"handlers/base-tables/"_qs) + golden));
         QCOMPARE(pairs.value(S("Say \\\"hi\\\"")), S("Dites « salut »"));
-        if (form != QLatin1String("binary")) {
-            const QString written = bytes.startsWith("\xFF\xFE") ? QString::fromUtf16(
-                                        reinterpret_cast<const char16_t *>(bytes.constData() + 2), (bytes.size() - 2) / 2)
-                                                                 : QString::fromUtf8(bytes);
-            // ibtool's layout: the comment of every entry, one blank line apart, one line feed at the end.
-            QVERIFY(written.contains(S("/* Class = \"NSButtonCell\"; title = \"OK\"; ObjectID = \"11\"; */\n\"11.title\" = \"OK\";\n\n/*")));
-            QVERIFY(written.endsWith(S("\"Qz9-xx-001.title\" = \"Dites « salut »\";\n")));
-        }
     }
 
     void unreadableInterfaceFileWritesNoTable()
@@ -182,17 +147,11 @@ private slots:
         QCOMPARE(written.value->find(S("unread"))->find(S("n"))->dictionary().size(), 4);
     }
 
-    void stringsdictThatCannotBeRead_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("not a property list") << QByteArray("\"a\" = \"b\";");
-        QTest::newRow("an array") << QByteArray("<plist><array><string>x</string></array></plist>");
-        QTest::newRow("empty") << QByteArray();
-    }
+    void stringsdictThatCannotBeRead_data() { TestSupport::addCaseRows(u"handlers/stringsdict-unreadable.tsv"_qs, {"text"}); }
     void stringsdictThatCannotBeRead()
     {
-        QFETCH(QByteArray, bytes);
-        const QString path = TestSupport::writeFile(folder() + QLatin1String("/X.stringsdict"), bytes);
+        QFETCH(QString, text);
+        const QString path = TestSupport::writeFile(folder() + QLatin1String("/X.stringsdict"), text.toUtf8());
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QVERIFY(file);
         QVERIFY(file->allEntries().isEmpty());

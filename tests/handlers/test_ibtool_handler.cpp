@@ -3,8 +3,8 @@
 // happens when the tool is missing, fails or hangs. Runs the built vocabrix-ibtool (found
 // through VOCABRIX_TOOLS_DIR) and, for the failures, small stand-in scripts.
 
-#include "InterfaceCases.h"
 #include "Handlers.h"
+#include "InterfaceCases.h"
 #include "IbtoolHandler.h"
 #include "LocFile.h"
 #include "NotificationCenter.h"
@@ -170,25 +170,17 @@ private slots:
         QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Main Menu.xib")});
     }
 
-    void failingTools_data()
-    {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("missing") << QByteArray() << S("could not be started");
-        QTest::newRow("hangs") << QByteArray("sleep 20") << S("was stopped");
-        QTest::newRow("fails") << QByteArray("echo 'The document is damaged.' >&2; exit 3") << S("The document is damaged.");
-        QTest::newRow("writes no table") << QByteArray("exit 0") << S("wrote no string table");
-        QTest::newRow("crashes") << QByteArray("kill -SEGV $$") << S("crashed");
-    }
+    // A stand-in tool's shell body ("-": no tool at all) and a piece of the reason given.
+    void failingTools_data() { addCaseRows(u"handlers/ibtool-failures.tsv"_qs, {"body", "reason"}); }
 
     void failingTools()
     {
-        QFETCH(QByteArray, body);
+        QFETCH(QString, body);
         QFETCH(QString, reason);
         const QString dir = folder();
         const QString path = writeFile(dir + QStringLiteral("/Prefs.xib"), xib("prefs.xib"));
-        if (body.isNull()) qputenv("VOCABRIX_IBTOOL", (dir + QStringLiteral("/no-such-tool")).toUtf8());
-        else fakeTool(dir, body);
+        if (body == u"-") qputenv("VOCABRIX_IBTOOL", (dir + QStringLiteral("/no-such-tool")).toUtf8());
+        else fakeTool(dir, body.toUtf8());
         qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QVERIFY(file);
@@ -220,26 +212,16 @@ private slots:
         QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/Prefs--temp.strings")));
     }
 
-    void stringForObjectID_data()
-    {
-        QTest::addColumn<OptString>("previous");
-        QTest::addColumn<OptString>("expected");
-        const QString table = S("\n/* c */\n\"5.title\" = \"Fenêtre\";\n\n/* c */\n\"6.title\" = \"\";\n"
-                                "\"7.title\" = \"no line feed\";");
-        QString emptied = table;
-        emptied.replace(S("\"5.title\" = \"Fenêtre\""), S("\"5.title\" = \"\""));
-        QTest::newRow("found") << OptString(table) << OptString(S("Fenêtre"));
-        QTest::newRow("no previous") << OptString() << OptString();
-        QTest::newRow("empty value is none") << OptString(emptied) << OptString();
-        QTest::newRow("needs the closing line feed") << OptString(S("\n\"5.title\" = \"x\";")) << OptString();
-        QTest::newRow("other property") << OptString(S("\n\"5.toolTip\" = \"x\";\n")) << OptString();
-    }
+    // The previous release's word for object 5's title, found in its table ("-": no table, or
+    // no word).
+    void stringForObjectID_data() { addCaseRows(u"handlers/ibtool-previous-word.tsv"_qs, {"previous", "expected"}); }
 
     void stringForObjectID()
     {
-        QFETCH(OptString, previous);
-        QFETCH(OptString, expected);
-        QCOMPARE(ibtoolHandle::stringForObjectID(S("5"), S("title"), previous), expected);
+        QFETCH(QString, previous);
+        QFETCH(QString, expected);
+        const auto optional = [](const QString &s) { return s == u"-" ? OptString() : OptString(s); };
+        QCOMPARE(ibtoolHandle::stringForObjectID(S("5"), S("title"), optional(previous)), optional(expected));
     }
 };
 

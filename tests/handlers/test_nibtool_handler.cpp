@@ -4,14 +4,11 @@
 // or hanging tool as a tool that listed nothing, with a warning. Stand-in scripts play the tool
 // where its output must be exact; the built vocabrix-nibtool runs the whole road once.
 
-#include "InterfaceCases.h"
 #include "Handlers.h"
-#include "LocFile.h"
-#include "NibtoolHandler.h"
-#include "NotificationCenter.h"
-#include "Settings.h"
-#include "TestSupport.h"
+#include "InterfaceCases.h"
 #include "InterfaceFile.h"
+#include "LocFile.h"
+#include "NotificationCenter.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -20,19 +17,11 @@ using namespace TestSupport;
 
 namespace {
 
-// What the older tool prints without a dictionary and a previous version.
-const char kBase[] =
-    "/* NSWindow (Preferences) : <title:Preferences> (oid:5) */\n\"Preferences\" = \"Preferences\";\n\n"
-    "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"OK\";\n\n"
-    "/* NSTextField (Name:) : <title:Name:> (oid:21) */\n\"Name:\" = \"Name:\";\n\n"
-    "/* NSButton (Cancel) : <title:Cancel> (oid:30) */\n\"Cancel\" = \"Cancel\";\n\n";
-
-// ... and with them: a marker twice (the first counts), one empty value, one marker missing.
-const char kTranslated[] =
-    "/* NSWindow (Préférences) : <title:Préférences> (oid:5) */\n\"Preferences\" = \"Préférences\";\n\n"
-    "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"D'accord\";\n\n"
-    "/* NSButton (OK) : <title:OK> (oid:13) */\n\"OK\" = \"Second\";\n\n"
-    "/* NSTextField (Name:) : <title:Name:> (oid:21) */\n\"Name:\" = \"\";\n\n";
+// What the older tool prints without a dictionary and a previous version (nibtool-base.txt) and
+// with them (nibtool-translated.txt: a marker twice, the first counts; one empty value; one
+// marker missing).
+QString listing(const char *name) { return dataDir(u"handlers/nibtool-"_qs) + QLatin1String(name) + u".txt"_qs; }
+QString listingText(const char *name) { return QString::fromUtf8(readFile(listing(name))); }
 
 }  // namespace
 
@@ -51,15 +40,13 @@ class TestNibtoolHandler : public QObject {
     // the base listing, or the translated one when given -I or -d; a merge copies the file.
     void fakeTool(const QByteArray &before = {})
     {
-        writeFile(path(u"base.txt"_qs), kBase);
-        writeFile(path(u"translated.txt"_qs), kTranslated);
         const QByteArray dir = m_case.toUtf8();
         const QString tool = path(u"fake-nibtool"_qs);
         writeFile(tool, "#!/bin/bash\necho \"$PWD|$*\" >> '" + dir + "/log'\n" + before + "\n"
                                          "if [[ \" $* \" == *\" -w \"* ]]; then cp \"$3\" '" + dir + "/table-seen'; "
                                          "cp -R \"$6\" \"$5\"; exit 0; fi\n"
                                          "if [[ \" $* \" == *\" -I \"* || \" $* \" == *\" -d \"* ]]; then cat '"
-                                         + dir + "/translated.txt'; else cat '" + dir + "/base.txt'; fi\n");
+                                         + listing("translated").toUtf8() + "'; else cat '" + listing("base").toUtf8() + "'; fi\n");
         QFile::setPermissions(tool, QFile::permissions(tool) | QFileDevice::ExeOwner);
         qputenv("VOCABRIX_NIBTOOL", tool.toUtf8());
     }
@@ -126,7 +113,7 @@ private slots:
         QCOMPARE(log(), (QStringList{m_case + u"|-L -8 -I "_qs + previous + u" Window.nib"_qs,
                                      m_case + u"|-L -8 Window.nib"_qs}));
         QVERIFY(file->readNoDict);
-        QCOMPARE(file->nibResult, OptString(S(kTranslated)));
+        QCOMPARE(file->nibResult, OptString(listingText("translated")));
         QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->allEntries()[1]->baseWord(), OptString(u"OK"_qs));
         QCOMPARE(file->status(), u"2/4"_qs);
@@ -145,26 +132,17 @@ private slots:
         QVERIFY(!file->tempDictPath);
     }
 
-    void failingToolsListNothing_data()
-    {
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<bool>("withPrevious");
-        QTest::addColumn<QString>("reason");
-        QTest::newRow("fails") << QByteArray("echo half; echo 'cannot open the nib' >&2; exit 3") << false
-                               << u"cannot open the nib"_qs;
-        QTest::newRow("crashes") << QByteArray("kill -SEGV $$") << false << u"crashed"_qs;
-        QTest::newRow("hangs") << QByteArray("sleep 30") << false << u"stopped"_qs;
-        QTest::newRow("translated run fails")
-            << QByteArray("if [[ \" $* \" == *\" -I \"* ]]; then exit 1; fi") << true << u"previous version"_qs;
-    }
+    // A stand-in tool's shell body run before its answer, whether a previous version is given,
+    // and a piece of the warning.
+    void failingToolsListNothing_data() { addCaseRows(u"handlers/nibtool-failures.tsv"_qs, {"body", "withPrevious", "reason"}); }
     void failingToolsListNothing()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(bool, withPrevious);
+        QFETCH(QString, body);
+        QFETCH(QString, withPrevious);
         QFETCH(QString, reason);
-        fakeTool(body);
+        fakeTool(body.toUtf8());
         qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
-        const OptString previous = withPrevious ? OptString(writeFile(path(u"fr/Window.nib"_qs), "old"))
+        const OptString previous = withPrevious == u"yes" ? OptString(writeFile(path(u"fr/Window.nib"_qs), "old"))
                                                 : std::nullopt;
         int announced = 0;
         const LocFilePtr file = readAndWait(std::nullopt, previous, &announced);
@@ -173,7 +151,7 @@ private slots:
         QVERIFY2(file->warnings().join(u'\n').contains(reason), qPrintable(file->warnings().join(u'\n')));
         QCOMPARE(file->initError(), QString());
         // A failed translated run leaves the base words; a failed base run, no entries.
-        if (withPrevious) QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
+        if (withPrevious == u"yes") QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
         else QVERIFY(file->allEntries().isEmpty());
     }
 
@@ -231,11 +209,12 @@ private slots:
     // Two listings the user chose (initWithPath:dictEntry:originalEntry:).
     void entriesFromTwoListings()
     {
-        const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)});
+        const LocFile::InterfaceTables listings{listingText("translated"), listingText("base")};
+        const LocFilePtr file = LocFile::initWithPath(path(u"Window.nib"_qs), listings);
         QVERIFY(file);
         QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
         QCOMPARE(file->entries().size(), 4);
-        QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), LocFile::InterfaceTables{S(kTranslated), S(kBase)}));
+        QVERIFY(!LocFile::initWithPath(path(u"Window.strings"_qs), listings));
     }
 
     // The built vocabrix-nibtool on a compiled nib: previous version and dictionary in, the

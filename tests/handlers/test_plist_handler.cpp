@@ -194,22 +194,13 @@ private slots:
         QCOMPARE(exported(file), tree);
     }
 
-    void fileWithoutEntriesSaysWhy_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("why");
-        QTest::newRow("not a list") << QByteArray("<?xml version=\"1.0\"?><plist><dict><key>a") << S("could not be read");
-        QTest::newRow("empty dictionary") << plist::toXml(dict({})) << S("no array or dictionary");
-        QTest::newRow("scalar root") << plist::toXml(Value::fromInteger(3)) << S("no array or dictionary");
-        QTest::newRow("no strings") << plist::toXml(arr({Value::fromInteger(1), Value::fromBoolean(false)}))
-                                    << S("no strings");
-    }
+    void fileWithoutEntriesSaysWhy_data() { TestSupport::addCaseRows(u"handlers/plist-no-entries.tsv"_qs, {"list", "why"}); }
     void fileWithoutEntriesSaysWhy()
     {
-        QFETCH(QByteArray, bytes);
+        QFETCH(QString, list);
         QFETCH(QString, why);
         QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
-        const LocFilePtr file = LocFile::initWithPath(place(bytes), OptString(), OptString());
+        const LocFilePtr file = LocFile::initWithPath(place(list.toUtf8()), OptString(), OptString());
         QCOMPARE(file->status(), S("0/0"));
         QCOMPARE(file->initError(), QString());
         QCOMPARE(file->warnings().size(), 1);

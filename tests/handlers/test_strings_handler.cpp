@@ -10,7 +10,6 @@
 #include "StringsHandler.h"
 
 #include <QSignalSpy>
-#include <QStringEncoder>
 #include <QTest>
 
 using namespace TestSupport;
@@ -174,24 +173,19 @@ private slots:
         QVERIFY(file->warnings().join(u'\n').contains(S("could not be written")));
     }
 
-    void encodings_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("warning");  // a piece of the expected warning, or empty for none
-        // An unquoted first key: a byte-order mark taken for part of the first line would break it.
-        const QString table = S("Apfel = \"Äpfel\";\r/* x */\r\"b\" = \"c\";\r");
-        QStringEncoder be(QStringConverter::Utf16BE), le(QStringConverter::Utf16LE);
-        QTest::newRow("UTF-8, CR line ends") << table.toUtf8() << QString();
-        QTest::newRow("UTF-8 with mark") << B("\xEF\xBB\xBF") + table.toUtf8() << QString();
-        QTest::newRow("UTF-16LE with mark") << B("\xFF\xFE") + QByteArray(le.encode(table)) << QString();
-        QTest::newRow("UTF-16BE with mark") << B("\xFE\xFF") + QByteArray(be.encode(table)) << QString();
-        QTest::newRow("UTF-16BE without mark") << QByteArray(be(table)) << S("UTF-16 big-endian");
-        QTest::newRow("Mac Roman") << B("Apfel = \"\x80pfel\";\n\"b\" = \"c\";\n") << S("Mac OS Roman");
-    }
+    // The table in an encoding (utf8, utf8 mark, utf16le mark, utf16be mark, utf16be, latin1 for
+    // raw bytes), and a piece of the expected warning (empty: none). An unquoted first key: a
+    // byte-order mark taken for part of the first line would break it.
+    void encodings_data() { addCaseRows(u"handlers/strings-encodings.tsv"_qs, {"encoding", "table", "warning"}); }
     void encodings()
     {
-        QFETCH(QByteArray, bytes);
+        QFETCH(QString, encoding);
+        QFETCH(QString, table);
         QFETCH(QString, warning);
+        QByteArray bytes = encoding == u"latin1" ? table.toLatin1() : table.toUtf8();
+        if (encoding.startsWith(u"utf16"))
+            bytes = utf16(table, encoding.contains(u"be") ? QSysInfo::BigEndian : QSysInfo::LittleEndian, encoding.endsWith(u"mark"));
+        if (encoding == u"utf8 mark") bytes.prepend("\xEF\xBB\xBF");
         const LocFilePtr file = read(bytes);
         QCOMPARE(file->allEntries().size(), 2);
         QCOMPARE(file->allEntries().first()->keyWord(), OptString(S("Apfel")));
@@ -220,27 +214,21 @@ private slots:
 
     void previousInGuessedEncodingIsStillRead()
     {
-        QStringEncoder be(QStringConverter::Utf16BE);
-        const QByteArray previous = be.encode(S("\"k\" = \"Äpfel\";\n"));
+        const QByteArray previous = utf16be(S("\"k\" = \"Äpfel\";\n"), false);
         const LocFilePtr file = read(B("\"k\" = \"Apples\";\n"), previous);
         QCOMPARE(entryWords(file), S("Äpfel+"));
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY(file->warnings().first().contains(S("UTF-16 big-endian")));
     }
 
-    void fileWithoutPairsSaysSo_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("empty") << QByteArray("");
-        QTest::newRow("comments only") << B("/* nothing */\n// here\n");
-        QTest::newRow("missing") << QByteArray();
-    }
+    // A table without pairs ("-": no file at all) is announced, and the user told.
+    void fileWithoutPairsSaysSo_data() { addCaseRows(u"handlers/strings-without-pairs.tsv"_qs, {"table"}); }
     void fileWithoutPairsSaysSo()
     {
-        QFETCH(QByteArray, bytes);
+        QFETCH(QString, table);
         QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
-        const LocFilePtr file = bytes.isNull() ? LocFile::initWithPath(m_dir.filePath(S("gone.strings")), OptString(), OptString())
-                                               : read(bytes);
+        const LocFilePtr file = table == u"-" ? LocFile::initWithPath(m_dir.filePath(S("gone.strings")), OptString(), OptString())
+                                              : read(table.toUtf8());
         QCOMPARE(file->status(), S("0/0"));
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY(file->warnings().first().contains(file->path()));
@@ -248,14 +236,11 @@ private slots:
         QCOMPARE(file->initError(), QString());
     }
 
+    // A table written as a property list (xml, xml-lower: a lower-case encoding declaration,
+    // binary) under a file name.
     void propertyListTablesGoToThePropertyListHandler_data()
     {
-        QTest::addColumn<QString>("form");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("XML") << S("xml") << S("Localizable.strings");
-        QTest::newRow("lower-case declaration") << S("xml-lower") << S("Localizable.strings");
-        QTest::newRow("binary") << S("binary") << S("Localizable.strings");
-        QTest::newRow("binary InfoPlist") << S("binary") << S("InfoPlist.strings");
+        addCaseRows(u"handlers/strings-as-plist.tsv"_qs, {"form", "name"});
     }
     void propertyListTablesGoToThePropertyListHandler()
     {

@@ -4,7 +4,6 @@
 
 #include "InterfaceCases.h"
 #include "IbtoolTable.h"
-#include "NibFixtures.h"
 #include "StringUtility.h"
 #include "nib/CompiledNib.h"
 #include "nibtool/NibtoolListing.h"
@@ -53,9 +52,10 @@ private slots:
         m_box.write(u"Prefs.xib"_qs, readFile(xibData("cocoa/in.xib")));
         m_box.write(u"Broken.xib"_qs, "<?xml version=\"1.0\"?>\n<document>\n<objects></document>\n");
         m_box.write(u"bad.strings"_qs, "\"1.title\" = \"unterminated;\n");
-        m_box.write(u"Window.nib"_qs, NibFixtures::windowModel().b.toNibArchive());
+        const QByteArray window = readFile(dataDir(u"interface/nib/window-nibarchive.nib"_qs));
+        m_box.write(u"Window.nib"_qs, window);
         // The same window, localized: what a previous release would hold.
-        const auto base = nib::CompiledNib::fromData(NibFixtures::windowModel().b.toNibArchive(), nullptr);
+        const auto base = nib::CompiledNib::fromData(window, nullptr);
         StringMap fr;
         fr.insert(u"5.title"_qs, u"Préférences"_qs);
         fr.insert(u"13.title"_qs, u"D'accord"_qs);
@@ -161,10 +161,8 @@ private slots:
     // them defused, and the marker found the way the handler looks for it is the object's.
     void commentsKeepTheMarkerFindable()
     {
-        NibFixtures::Builder b;
-        const int cell = b.add(u"NSButtonCell"_qs, {{u"NSContents"_qs, NibFixtures::Ref{b.string(u"a > (b) */ c"_qs)}}});
-        b.objectData(cell, {{cell, 77}});
-        const auto blocks = nibtool::listingBlocks(*nib::CompiledNib::fromData(b.toKeyedArchive(), nullptr));
+        const QByteArray bytes = readFile(dataDir(u"interface/nib/marker-in-title-keyed.nib"_qs));
+        const auto blocks = nibtool::listingBlocks(*nib::CompiledNib::fromData(bytes, nullptr));
         QCOMPARE(blocks.size(), 1);
         QCOMPARE(StringUtility::substringFrom(blocks[0].comment, u"> ("_qs, u")"_qs), OptString(u"oid:77"_qs));
         QVERIFY(!blocks[0].comment.mid(2, blocks[0].comment.size() - 4).contains(u"*/"_qs));

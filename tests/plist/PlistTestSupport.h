@@ -3,9 +3,8 @@
 // the reader is checked against hand-made input rather than against our own writer.
 
 #include "PropertyList.h"
+#include "TestSupport.h"
 
-#include <QDir>
-#include <QFile>
 #include <QList>
 #include <QString>
 
@@ -14,21 +13,6 @@ namespace PlistTest {
 inline QString dataPath(const QString &name)
 {
     return QStringLiteral(PLIST_TEST_DATA "/") + name;
-}
-
-inline QByteArray readBytes(const QString &path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-// The shared corpus folder, or empty when it is absent.
-inline QString corpusDir()
-{
-    QString dir = qEnvironmentVariable("VOCABRIX_CORPUS");
-    if (dir.isEmpty())
-        dir = QStringLiteral(PLIST_TEST_SOURCE_ROOT "/../shared/corpus");
-    return QDir(dir).exists() ? QDir(dir).canonicalPath() : QString();
 }
 
 // A "bplist00" file from objects given in hex ("A2 01 02"). References are one byte, offsets are
@@ -41,6 +25,26 @@ struct BinaryBuilder {
     qint64 topObject = 0;
     qint64 tableOffset = -1;   // default: where the table really is
     QList<quint64> offsetOverrides;  // replaces the computed offsets when not empty
+
+    // A builder from a row of a case table: objects in hex separated by "|", and the trailer
+    // fields that differ from a consistent one ("top=5 refSize=2"; offset= count= table=
+    // offsetSize= as well).
+    static BinaryBuilder fromRow(const QString &objects, const QString &trailer)
+    {
+        BinaryBuilder b;
+        for (const QString &object : objects.split(u'|')) b.objects.append(QByteArray::fromHex(object.toLatin1()));
+        for (const QString &field : trailer.split(u' ', Qt::SkipEmptyParts)) {
+            const QString name = field.section(u'=', 0, 0);
+            const qint64 value = field.section(u'=', 1).toLongLong();
+            if (name == u"offset") b.offsetOverrides = {quint64(value)};
+            else if (name == u"count") b.objectCount = value;
+            else if (name == u"top") b.topObject = value;
+            else if (name == u"table") b.tableOffset = value;
+            else if (name == u"offsetSize") b.offsetSize = int(value);
+            else if (name == u"refSize") b.refSize = int(value);
+        }
+        return b;
+    }
 
     BinaryBuilder &add(const char *hex)
     {

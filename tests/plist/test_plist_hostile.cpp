@@ -2,10 +2,13 @@
 // none crashes, recurses without bound or allocates what the bytes cannot hold.
 #include "PlistTestSupport.h"
 
+#include "CaseData.h"
+
 #include <QTest>
 
 using namespace plist;
 using PlistTest::BinaryBuilder;
+using TestSupport::addCaseRows;
 
 namespace {
 
@@ -36,10 +39,8 @@ class HostileTest : public QObject {
 private slots:
     void binaryRefused_data();
     void binaryRefused();
-    void xmlRefused_data();
-    void xmlRefused();
-    void openStepRefused_data();
-    void openStepRefused();
+    void tableRefused_data();
+    void tableRefused();
     void nestingBounded_data();
     void nestingBounded();
     void binaryExpansionBounded();
@@ -72,53 +73,10 @@ void HostileTest::binaryRefused_data()
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("error");
     const auto one = [](const char *hex) { return BinaryBuilder().add(hex); };
-
-    addRow("array holding itself", one("A1 00").build(), "cycle");
-    addRow("indirect cycle", BinaryBuilder().add("A1 01").add("D1 02 00").add("51 6B").build(), "cycle");
-    addRow("reference out of range", one("A1 39").build(), "object reference 57 out of range");
-    BinaryBuilder badOffset = one("A1 00");
-    badOffset.offsetOverrides = {200};
-    addRow("offset past the objects", badOffset.build(), "offset 200 outside the object area");
-    BinaryBuilder headerOffset = one("51 61");
-    headerOffset.offsetOverrides = {3};
-    addRow("offset inside the header", headerOffset.build(), "outside the object area");
     QByteArray chopped = one("51 61").build();
     chopped.chop(1);
     addRow("trailer cut short", chopped, "invalid sizes");
     addRow("only a header", QByteArray("bplist00\x51\x61", 10), "too short to hold a trailer");
-    BinaryBuilder top = one("51 61");
-    top.topObject = 5;
-    addRow("top object out of range", top.build(), "top object 5 out of range");
-    BinaryBuilder count = one("51 61");
-    count.objectCount = qint64(1) << 62;
-    addRow("huge object count", count.build(), "does not fit the file");
-    BinaryBuilder noObjects = one("51 61");
-    noObjects.objectCount = 0;
-    addRow("no objects", noObjects.build(), "counts no objects");
-    BinaryBuilder table = one("51 61");
-    table.tableOffset = 1000000;
-    addRow("table offset past the end", table.build(), "does not fit the file");
-    BinaryBuilder zeroSize = one("51 61");
-    zeroSize.offsetSize = 0;
-    addRow("offset size 0", zeroSize.build(), "invalid sizes");
-    BinaryBuilder wideRefs = one("51 61");
-    wideRefs.refSize = 9;
-    addRow("reference size 9", wideRefs.build(), "invalid sizes");
-    addRow("array claiming 2^60 entries", one("AF 13 1000000000000000 00").build(), "more than the file holds");
-    addRow("dictionary claiming 2^62 entries", one("DF 13 4000000000000000").build(), "more than the file holds");
-    addRow("string claiming 2^63 bytes", one("5F 13 8000000000000000 61").build(), "runs past the object area");
-    addRow("utf-16 claiming 2^64-1 units", one("6F 13 FFFFFFFFFFFFFFFF").build(), "runs past the object area");
-    addRow("data claiming 2^32 bytes", one("4F 12 FFFFFFFF").build(), "runs past the object area");
-    addRow("length that is no integer", one("5F 23 0000000000000000").build(), "malformed length");
-    addRow("key that is no string", BinaryBuilder().add("D1 01 01").add("10 05").build(), "not a string");
-    addRow("null object", one("00").build(), "unsupported type 0x00");
-    addRow("unknown object type", one("90").build(), "unknown type 0x90");
-    addRow("32-byte integer", one("15 00").build(), "invalid size");
-    addRow("2-byte real", one("21 0000").build(), "invalid size");
-    addRow("date that is NaN", one("33 7FF8000000000000").build(), "date at offset 8 is out of range");
-    addRow("date in the year 17845", one("33 425D1A94A2000000").build(), "date at offset 8 is out of range");
-    addRow("integer beyond 64 bits", one("14 0000000000000001 0000000000000000").build(), "does not fit 64 bits");
-    addRow("integer cut short", one("13 0102").build(), "runs past the object area");
     BinaryBuilder narrowRefs = one("51 61");
     for (int i = 0; i < 299; ++i)
         narrowRefs.add("51 61");
@@ -134,76 +92,21 @@ void HostileTest::binaryRefused()
     refused(bytes, Format::Binary, error);
 }
 
-void HostileTest::xmlRefused_data()
+// The table's cases, each in the form its row names.
+void HostileTest::tableRefused_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("error");
-    addRow("external entity",
-           "<?xml version=\"1.0\"?>\n<!DOCTYPE plist [ <!ENTITY x SYSTEM \"file:///etc/passwd\"> ]>\n"
-           "<plist><string>&x;</string></plist>",
-           "line 2: entity declarations are not allowed");
-    addRow("billion laughs",
-           "<!DOCTYPE plist [\n <!ENTITY a \"ha\">\n <!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\">\n"
-           " <!ENTITY c \"&b;&b;&b;&b;&b;&b;&b;&b;&b;&b;\">\n]>\n<plist><string>&c;</string></plist>",
-           "entity declarations are not allowed");
-    addRow("undeclared entity", "<plist><string>a &nbsp; b</string></plist>", "entity reference &nbsp; is not allowed");
-    addRow("bare ampersand", "<plist><string>a & b</string></plist>", "must be written &amp;");
-    addRow("surrogate character reference", "<plist><string>&#xD800;</string></plist>", "invalid character reference");
-    addRow("mismatched tags", "<plist><dict></array></plist>", "expected </dict> but found </array>");
-    addRow("unterminated", "<plist><array><string>a</string>", "unterminated <array> element");
-    addRow("text between elements", "<plist><dict>stray<key>a</key><true/></dict></plist>", "unexpected text inside <dict>");
-    addRow("key without value", "<plist><dict><key>a</key></dict></plist>", "key \"a\" has no value");
-    addRow("value without key", "<plist><dict><string>a</string></dict></plist>", "expected <key> in <dict>");
-    addRow("key outside a dictionary", "<plist><key>a</key></plist>", "<key> outside a <dict>");
-    addRow("unknown element", "<plist><number>1</number></plist>", "unknown element <number>");
-    addRow("element inside a string", "<plist><string>a<b/></string></plist>", "unexpected element inside <string>");
-    addRow("two values in <plist>", "<plist><true/><false/></plist>", "more than one value");
-    addRow("empty <plist>", "<plist/>", "holds no value");
-    addRow("content after the list", "<plist><true/></plist><plist/>", "unexpected content after");
-    addRow("integer with letters", "<plist><integer>12abc</integer></plist>", "invalid <integer> value \"12abc\"");
-    addRow("integer above 64 bits", "<plist><integer>18446744073709551616</integer></plist>", "invalid <integer>");
-    addRow("integer below int64", "<plist><integer>-9223372036854775809</integer></plist>", "invalid <integer>");
-    addRow("real with text", "<plist><real>1.5x</real></plist>", "invalid <real>");
-    addRow("date that is no date", "<plist><date>yesterday</date></plist>", "invalid <date>");
-    addRow("data that is no base64", "<plist><data>@@@@</data></plist>", "invalid <data>");
-    addRow("text in <true/>", "<plist><true>yes</true></plist>", "<true> must be empty");
-    addRow("unterminated comment", "<plist><!-- open", "unterminated comment");
-    addRow("unknown encoding", "<?xml version=\"1.0\" encoding=\"x-no-such\"?><plist/>", "unsupported text encoding");
-    addRow("error names its line", "<plist>\n<dict>\n<key>a</key>\n<strin>b</strin>\n</dict>\n</plist>",
-           "line 4: unknown element <strin>");
+    addCaseRows(u"../plist/data/refused.tsv"_qs, {"form", "input", "error", "trailer"});
 }
 
-void HostileTest::xmlRefused()
+void HostileTest::tableRefused()
 {
-    QFETCH(QByteArray, bytes);
+    QFETCH(QString, form);
+    QFETCH(QString, input);
     QFETCH(QString, error);
-    refused(bytes, Format::Xml, error);
-}
-
-void HostileTest::openStepRefused_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("error");
-    addRow("string table without braces", "\"a\" = \"b\";", "expected \"{\" or \"(\" at the start");
-    addRow("unterminated string", "{ a = \"open; }", "line 1: unterminated quoted string");
-    addRow("backslash at the end", "{ a = \"x\\", "unterminated quoted string");
-    addRow("unterminated comment", "{ a = b; /* open", "unterminated comment");
-    addRow("missing semicolon", "{\n a = b;\n c = d\n}", "line 4: missing \";\" after the value of the key \"c\"");
-    addRow("missing equals", "{ a b; }", "expected \"=\" after the key \"a\"");
-    addRow("missing comma", "( a b )", "expected \",\" or \")\"");
-    addRow("unclosed dictionary", "{ a = b;", "unterminated dictionary");
-    addRow("unclosed array", "( a,", "unexpected end of text");
-    addRow("odd hex digits", "( <abc> )", "odd number of hexadecimal digits");
-    addRow("no hex digit", "( <zz> )", "\"z\" is no hexadecimal digit");
-    addRow("text after the root", "( a ) b", "unexpected text after the end");
-    addRow("stray character", "{ a = ?; }", "unexpected character \"?\"");
-}
-
-void HostileTest::openStepRefused()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, error);
-    refused(bytes, Format::OpenStep, error);
+    QFETCH(QString, trailer);
+    if (form == u"binary")
+        return refused(BinaryBuilder::fromRow(input, trailer).build(), Format::Binary, error);
+    refused(input.toUtf8(), form == u"xml" ? Format::Xml : Format::OpenStep, error);
 }
 
 void HostileTest::nestingBounded_data()

@@ -2,6 +2,8 @@
 // key order, the binary writer's long counts and UIDs, the JSON rendering and atomic files.
 #include "PlistTestSupport.h"
 
+#include "CaseData.h"
+
 #include "JsonWriter.h"
 
 #include <QJsonArray>
@@ -57,7 +59,7 @@ private slots:
 // The fixture is laid out as Apple's tools write: reading and writing it changes no byte.
 void WriterTest::appleLayoutKeptByteForByte()
 {
-    const QByteArray original = PlistTest::readBytes(PlistTest::dataPath(QStringLiteral("layout/apple-layout.plist")));
+    const QByteArray original = TestSupport::readFile(PlistTest::dataPath(QStringLiteral("layout/apple-layout.plist")));
     QVERIFY(!original.isEmpty());
     const ReadResult r = read(original);
     QVERIFY2(r.value, qPrintable(r.error));
@@ -237,48 +239,14 @@ void WriterTest::jsonRendering()
                                                      {QStringLiteral("b"), Value::fromData("hi")}})},
         {QStringLiteral("e"), Value::fromArray({})},
     });
-    const QByteArray expected = "{\n"
-                                "  \"z\": \"quote \\\" backslash \\\\ tab \\t bell \\u0007 \xC3\xA9\",\n"
-                                "  \"a\": [\n"
-                                "    {\"integer\": -5},\n"
-                                "    {\"integer\": 18446744073709551615},\n"
-                                "    {\"real\": 0.1},\n"
-                                "    {\"real\": \"-infinity\"},\n"
-                                "    {\"bool\": false}\n"
-                                "  ],\n"
-                                "  \"m\": {\n"
-                                "    \"d\": {\"date\": \"2001-01-01T00:00:01Z\"},\n"
-                                "    \"b\": {\"data\": \"aGk=\"}\n"
-                                "  },\n"
-                                "  \"e\": []\n"
-                                "}\n";
-    QCOMPARE(QString::fromUtf8(toJson(v)), QString::fromUtf8(expected));
+    QVERIFY(TestSupport::compareBytes(toJson(v), PlistTest::dataPath(QStringLiteral("layout/rendering.json"))));
 }
 
 // The command line printed strings through QJsonDocument; the writer that replaced it must give
 // the same bytes, for every kind of unit it escapes or encodes differently.
 void WriterTest::jsonStringsAsQtWritesThem_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::newRow("empty") << QString();
-    QTest::newRow("plain ASCII") << QStringLiteral("Open Recent %@");
-    // Runs of plain ASCII go eight units at a time: escapes and other characters at every place
-    // of such a run.
-    QTest::newRow("long mixed run") << QString::fromUtf8("01234567\"abcdefg\x01hijklmn\\opqrstu\x7fvwxyz\xc3\xa9""0123456789abcdef"
-                                                         "ghij\xe9\x96\x8b" "klmnopqr\xf0\x9f\x98\x80stuvwxyz");
-    QTest::newRow("quote and backslash") << QStringLiteral("say \"hi\" C:\\dir\\");
-    QTest::newRow("named controls") << QStringLiteral("\b\f\n\r\t");
-    QString controls;
-    for (char16_t c = 0; c < 0x20; ++c) controls += QChar(c);
-    QTest::newRow("every control") << controls + QChar(0x7F);
-    QTest::newRow("two-byte UTF-8") << QString::fromUtf8("Öffnen Ångström é \u00ff \u07ff");
-    QTest::newRow("three-byte UTF-8") << QString::fromUtf8("開く ファイル \u0800 \ufffd \uffff");
-    QTest::newRow("surrogate pair") << QString::fromUtf8("flag 🇫🇷 end 😀");
-    const QChar high(0xD83D), low(0xDE00);
-    QTest::newRow("lone high surrogate") << QStringLiteral("a") + high + QStringLiteral("b");
-    QTest::newRow("lone low surrogate") << low + QStringLiteral("a");
-    QTest::newRow("high surrogate at the end") << QStringLiteral("end") + high;
-    QTest::newRow("pair reversed") << QString(low) + high;
+    TestSupport::addCaseRows(u"../plist/data/json-strings.tsv"_qs, {"text"});
 }
 
 void WriterTest::jsonStringsAsQtWritesThem()
@@ -313,6 +281,7 @@ void WriterTest::jsonWriterChunksInOrder()
     QVERIFY(chunks > 1);
 }
 
+// The file is replaced whole, never rewritten in place: a failure midway keeps the old one.
 void WriterTest::writeFileAtomically()
 {
     QTemporaryDir dir;
@@ -323,9 +292,8 @@ void WriterTest::writeFileAtomically()
     QString error;
     QVERIFY(writeXmlFile(path, first, &error));
     QVERIFY(error.isEmpty());
-    QCOMPARE(PlistTest::readBytes(path), toXml(first));
-    QVERIFY(writeXmlFile(path, second));
-    QCOMPARE(PlistTest::readBytes(path), toXml(second));
+    QVERIFY(TestSupport::writesAtomically(path, [&] { return writeXmlFile(path, second); }));
+    QCOMPARE(TestSupport::readFile(path), toXml(second));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("Info.plist")});
 
     const QString unwritable = dir.filePath(QStringLiteral("no/such/folder/Info.plist"));

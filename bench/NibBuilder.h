@@ -1,6 +1,6 @@
 #pragma once
-// Compiled nibs made for the tests: one object model written either as a NIBArchive or as a
-// keyed archive (binary property list), so every rule is checked in both containers.
+// Compiled nibs made from an object model, written either as a NIBArchive or as a keyed archive
+// (binary property list): the benchmark's generated nibs of any size.
 //
 // Model objects are numbered from 1 in both forms (the NIBArchive's object 0 is its root, the
 // keyed archive's is "$null"). Strings are objects of class NSString; numbers of class NSNumber;
@@ -223,54 +223,6 @@ inline QByteArray Builder::toKeyedArchive() const
          {QStringLiteral("$top"), Value::fromDictionary({{QStringLiteral("IB.objectdata"), uid(m_objectData)}})},
          {QStringLiteral("$version"), Value::fromInteger(100000)}});
     return plist::toBinary(root);
-}
-
-// A window of most localizable kinds, with an id table:
-//   window "Preferences" (oid 5); two buttons whose cells share the string "OK" (cells 11, 13);
-//   a text field cell with a placeholder (21); a box titled "Options" through its title cell
-//   (30); a table column with a header and a header tool tip (40); a pop-up cell (not listed);
-//   a tool tip through a help connector on the first button (10); a segmented cell with two
-//   labelled segments (50); a binding with a null placeholder (60); an empty alternate title.
-struct Window {
-    Builder b;
-    int okString = 0, cell1 = 0, cell2 = 0, windowTitle = 0;
-};
-
-inline Window windowModel()
-{
-    Window w;
-    Builder &b = w.b;
-    const auto s = [](const char *t) { return QString::fromUtf8(t); };
-    const int owner = b.add(s("NSCustomObject"), {{s("NSClassName"), Ref{b.string(s("Controller"))}}});
-    w.windowTitle = b.string(s("Preferences"));
-    const int window = b.add(s("NSWindowTemplate"), {{s("NSWindowTitle"), Ref{w.windowTitle}}});
-    w.okString = b.string(s("OK"));
-    const int empty = b.string(QString());
-    w.cell1 = b.add(s("NSButtonCell"), {{s("NSContents"), Ref{w.okString}}, {s("NSAlternateContents"), Ref{empty}}});
-    const int button1 = b.add(s("NSButton"), {{s("NSCell"), Ref{w.cell1}}});
-    w.cell2 = b.add(s("NSButtonCell"), {{s("NSContents"), Ref{w.okString}}});
-    const int button2 = b.add(s("NSButton"), {{s("NSCell"), Ref{w.cell2}}});
-    const int fieldCell = b.add(s("NSTextFieldCell"), {{s("NSContents"), Ref{b.string(s("Name:"))}},
-                                                       {s("NSPlaceholderString"), Ref{b.string(s("Your name"))}}});
-    const int titleCell = b.add(s("NSTextFieldCell"), {{s("NSContents"), Ref{b.string(s("Options"))}}});
-    const int box = b.add(s("NSBox"), {{s("NSTitleCell"), Ref{titleCell}}});
-    const int header = b.add(s("NSTableHeaderCell"), {{s("NSContents"), Ref{b.string(s("Name"))}}});
-    const int column = b.add(s("NSTableColumn"), {{s("NSHeaderCell"), Ref{header}},
-                                                   {s("NSHeaderToolTip"), Ref{b.string(s("The name"))}}});
-    const int popUp = b.add(s("NSPopUpButtonCell"), {{s("NSContents"), Ref{b.string(s("Item"))}}});
-    const int help = b.add(s("NSIBHelpConnector"), {{s("NSDestination"), Ref{button1}},
-                                                    {s("NSFile"), Ref{b.string(s("NSToolTipHelpKey"))}},
-                                                    {s("NSMarker"), Ref{b.string(s("Press me"))}}});
-    const int seg1 = b.add(s("NSSegmentItem"), {{s("NSSegmentItemLabel"), Ref{b.string(s("Left"))}}});
-    const int seg2 = b.add(s("NSSegmentItem"), {{s("NSSegmentItemLabel"), Ref{b.string(s("Right"))}}});
-    const int segmented = b.add(s("NSSegmentedCell"), {{s("NSSegmentImages"), Ref{b.array({seg1, seg2})}}});
-    const int options = b.array({b.string(s("NSNullPlaceholder")), b.string(s("None"))}, s("NSDictionary"));
-    const int binding = b.add(s("NSNibBindingConnector"), {{s("NSOptions"), Ref{options}}});
-    b.objectData(owner, {{owner, -2}, {window, 5}, {button1, 10}, {w.cell1, 11}, {button2, 12}, {w.cell2, 13},
-                         {fieldCell, 21}, {box, 30}, {column, 40}, {popUp, 45}, {segmented, 50}, {binding, 60},
-                         {help, 61}},
-                 {{window, owner}, {button1, window}, {button2, window}});
-    return w;
 }
 
 }  // namespace NibFixtures
