@@ -121,34 +121,30 @@ private slots:
         qunsetenv("VOCABRIX_SYSTEM_VERSION");
     }
 
-    void bundleUsesAbbreviationFolderAndSkipsOthers()
-    {
-        for (const char *name : {"MainMenu.nib/keyedobjects.nib", "MainMenu~.nib/keyedobjects.nib", "Localizable.strings",
-                                 "InfoPlist.strings", "Credits.rtf", "icon.icns", "Old~.nib.strings", "Sub.lproj/x.strings"})
-            file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/") + QLatin1String(name));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        m_dialogs.queuePanelCancel();  // no previous release
-        const QList<LocFilePtr> added = doc.addFiles(QStringList{path(QStringLiteral("Foo.app"))});
-        QCOMPARE(names(added), (QStringList{QStringLiteral("InfoPlist.strings"), QStringLiteral("Localizable.strings"),
-                                            QStringLiteral("MainMenu.nib")}));
-        QCOMPARE(doc.files(), added);
-        QVERIFY(added.at(0)->path().endsWith(QLatin1String("Foo.app/Contents/Resources/en.lproj/InfoPlist.strings")));
-        QCOMPARE(m_dialogs.panels().size(), 1);
-        QCOMPARE(m_dialogs.panels().at(0).allowedExtensions, QStringList{QStringLiteral("app")});
-        QVERIFY(m_dialogs.panels().at(0).bundleExtensions.contains(QStringLiteral("app")));
-    }
 
-    void bundlePrefersKeyFolder()
+
+    void addingBundles_data() { TestSupport::addTableRows(u"document"_s, u"adding-bundles.tsv"_s, {u"tree"_s, u"added"_s, u"expected"_s}); }
+    void addingBundles()
     {
-        file(QStringLiteral("Foo.app/Contents/Resources/English.lproj/A.strings"));
-        file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/B.strings"));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{path(QStringLiteral("Foo.app"))});
-        QCOMPARE(names(doc.files()), QStringList{QStringLiteral("A.strings")});
-        // Every file reads the dictionary of the document's pair.
-        QCOMPARE(m_fake->reads.at(0).dictionary, OptString(doc.dictionaryPath()));
+        QFETCH(QString, tree);
+        QFETCH(QString, added);
+        QFETCH(QString, expected);
+        for (const QString &f : split(tree)) file(f);
+        QStringList bundles;
+        for (const QString &b : split(added)) bundles.append(path(b));
+        m_doc->addFiles(bundles);  // every previous-release panel cancelled
+        QStringList got;
+        for (const LocFilePtr &f : m_doc->files()) got.append(QDir(path(QString())).relativeFilePath(f->path()));
+        QCOMPARE(got, split(expected));
+        QVERIFY(m_doc->isDocumentEdited());  // whether or not anything was added
+        for (const FakeStringsHandler::Read &read : m_fake->reads) {
+            QVERIFY(!read.previous);
+            QCOMPARE(read.dictionary, OptString(m_doc->dictionaryPath()));  // the document's pair
+        }
+        for (const OpenPanelOptions &panel : m_dialogs.panels()) {
+            QCOMPARE(panel.allowedExtensions, QStringList{u"app"_s});
+            QVERIFY(panel.bundleExtensions.contains(u"app"_s));
+        }
     }
 
     void previousReleaseByAbbreviation()
@@ -172,24 +168,6 @@ private slots:
         QCOMPARE(a->status(), QStringLiteral("1/2"));
     }
 
-    void bundleWithoutPreviousOrBaseFolder()
-    {
-        file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/A.strings"));
-        file(QStringLiteral("Bar.app/Contents/Resources/de.lproj/A.strings"));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{path(QStringLiteral("Foo.app")), path(QStringLiteral("Bar.app"))});
-        QCOMPARE(m_fake->reads.size(), 1);
-        QVERIFY(!m_fake->reads.at(0).previous);
-        QCOMPARE(doc.files().size(), 1);  // Bar.app has no English folder under either name
-        QVERIFY(doc.isDocumentEdited());
-
-        MyDocument empty;
-        empty.setDialogs(&m_dialogs);
-        empty.addFiles(QStringList{path(QStringLiteral("Bar.app"))});
-        QVERIFY(empty.files().isEmpty());
-        QVERIFY(empty.isDocumentEdited());  // marked changed whether or not anything was added
-    }
 
     void previousPanelOncePerPathInOrder()
     {
@@ -231,24 +209,7 @@ private slots:
         QCOMPARE(byFolder.files().at(1)->allEntries().at(0)->localizedWord(), OptString(QStringLiteral("w")));
     }
 
-    void previousPanelStartFolder_data()
-    {
-        QTest::addColumn<bool>("targetFolderExists");
-        QTest::newRow("target folder beside the base folder") << true;
-        QTest::newRow("no target folder") << false;
-    }
 
-    void previousPanelStartFolder()
-    {
-        QFETCH(bool, targetFolderExists);
-        const QString a = file(QStringLiteral("r/English.lproj/A.strings"));
-        if (targetFolderExists) QDir().mkpath(path(QStringLiteral("r/French.lproj")));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{a});
-        const QString expected = path(targetFolderExists ? QStringLiteral("r/French.lproj") : QStringLiteral("r"));
-        QCOMPARE(QDir(m_dialogs.panels().at(0).startFolder).canonicalPath(), QDir(expected).canonicalPath());
-    }
 
     void readingErrorsShowASheetAndStillAdd()
     {
@@ -379,45 +340,32 @@ private slots:
         QVERIFY(QFileInfo::exists(dictionary()));
     }
 
-    void panelOptions_data()
+
+    // Both the previous-version panel and the export panel open in the target folder beside the
+    // base folder when there is one.
+    void panelsStartInTargetFolder_data()
     {
         QTest::addColumn<bool>("targetFolderExists");
         QTest::newRow("target folder beside the base folder") << true;
-        QTest::newRow("no target folder: the panel's default") << false;
+        QTest::newRow("no target folder") << false;
     }
-
-    void panelOptions()
+    void panelsStartInTargetFolder()
     {
         QFETCH(bool, targetFolderExists);
-        fill();
         if (targetFolderExists) QDir().mkpath(path(QStringLiteral("r/French.lproj")));
-        m_doc->makeAllLocalizedFilesAction();  // cancelled by the script
-        QCOMPARE(m_dialogs.panels().size(), 1);
-        const OpenPanelOptions p = m_dialogs.panels().at(0);
+        m_doc->addFiles(QStringList{file(QStringLiteral("r/English.lproj/A.strings"))});  // both panels cancelled
+        m_doc->makeAllLocalizedFilesAction();
+        QCOMPARE(m_dialogs.panels().size(), 2);
+        const QString target = path(QStringLiteral("r/French.lproj"));
+        const QString previousStart = targetFolderExists ? target : path(QStringLiteral("r"));
+        QCOMPARE(QDir(m_dialogs.panels().at(0).startFolder).canonicalPath(), QDir(previousStart).canonicalPath());
+        const OpenPanelOptions p = m_dialogs.panels().at(1);
         QCOMPARE(p.message, QStringLiteral("Select folder to save localized files"));
         QCOMPARE(p.prompt, QStringLiteral("Export"));
         QVERIFY(p.canChooseDirectories && p.canCreateDirectories && !p.allowsMultipleSelection);
         QVERIFY(p.allowedExtensions.contains(QStringLiteral("app")));
-        QCOMPARE(p.startFolder, targetFolderExists ? path(QStringLiteral("r/French.lproj")) : QString());
+        QCOMPARE(p.startFolder, targetFolderExists ? target : QString());  // else the panel's default
         QVERIFY(!QFileInfo::exists(dictionary()));  // cancelled: nothing written, nothing merged
-    }
-
-    void bundleWithAbbreviationFolderWarns()
-    {
-        fill();
-        QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/fr.lproj")));
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
-        m_dialogs.queueAlertButton(0);
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QCOMPARE(m_dialogs.alerts().size(), 1);
-        const Alert a = m_dialogs.alerts().at(0);
-        QCOMPARE(a.title, QStringLiteral("Vocabrix may overrite resources"));
-        QCOMPARE(a.message, QStringLiteral("There is a fr.lproj folder in the package you've chosen and Vocabrix may be "
-                                           "going to overwrite resources."));
-        QCOMPARE(a.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
-        QCOMPARE(r.folder, path(QStringLiteral("T.app/Contents/Resources/fr.lproj")));
-        QVERIFY(QFileInfo::exists(r.folder + QLatin1String("/A.strings")));
-        QVERIFY(!QFileInfo::exists(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))));
     }
 
     void cancelInWarningShowsPanelAgain()
@@ -645,6 +593,16 @@ private slots:
                 if (expected.isEmpty()) QVERIFY2(refusal.contains(QLatin1String("several folders")), qPrintable(refusal));
             }
             const QString want = panel ? panelExpected : expected;
+            // Into a language folder already there, the panel's way warns first.
+            bool warned = false;
+            for (const Alert &a : m_dialogs.alerts()) {
+                if (a.title != QLatin1String("Vocabrix may overrite resources")) continue;
+                warned = true;
+                QCOMPARE(a.message, u"There is a "_s + want + u" folder in the package you've chosen and Vocabrix may be going to overwrite resources."_s);
+                QCOMPARE(a.buttons, strings({"OK", "Cancel"}));
+            }
+            QCOMPARE(warned, panel && !want.isEmpty() && split(folders).contains(want.chopped(6)));
+            m_dialogs.clearLog();
             QCOMPARE(result.cancelled, want.isEmpty());
             if (!want.isEmpty()) {
                 QCOMPARE(result.folder, path(resources + u'/' + want));
