@@ -1,8 +1,5 @@
-// The pieces around the document window: moving rows, file drops, spelling with hunspell, the
-// preference window, the application controller and the Qt dialogs' answers; and the dictionary
-// in the windows: one browser per pair, its imports and cleaning, the lookup panel following the
-// entry editor. Panels and alerts are answered by ScriptedDialogs.
-// The cases are tables of UTF-8 literals; the program itself converts every byte explicitly.
+// The pieces around the document window, and the dictionary in the windows. Panels and alerts are
+// answered by ScriptedDialogs. The cases are tables of UTF-8 literals.
 #undef QT_NO_CAST_FROM_ASCII
 #include "AppTestSupport.h"
 #include "CaseData.h"
@@ -88,15 +85,6 @@ class TestAppParts : public QObject {
         }
         return m_controller.get();
     }
-    // A tiny dictionary of our own: three words, one with accents.
-    QString writeDictionary()
-    {
-            const QString folder = m_box->path(QStringLiteral("hunspell"));
-            TestSupport::writeFile(folder + QLatin1String("/xx_XX.aff"), "SET UTF-8\nTRY esianrtolcdugmphbyfvkwz\n");
-            TestSupport::writeFile(folder + QLatin1String("/xx_XX.dic"), "3\nbonjour\nmonde\n\xC3\xA9t\xC3\xA9\n");
-            qputenv("VOCABRIX_HUNSPELL_DIR", QFile::encodeName(folder));
-            return folder;
-    }
     DocumentWindow *windowOnCancelEntry()
     {
             const auto bundles = AppTest::bundles();
@@ -172,7 +160,11 @@ private slots:
 
     void spellingWithOwnDictionary()
     {
-        writeDictionary();
+        // A tiny dictionary of our own: three words, one with accents.
+        const QString folder = m_box->path(QStringLiteral("hunspell"));
+        TestSupport::writeFile(folder + QLatin1String("/xx_XX.aff"), "SET UTF-8\nTRY esianrtolcdugmphbyfvkwz\n");
+        TestSupport::writeFile(folder + QLatin1String("/xx_XX.dic"), "3\nbonjour\nmonde\n\xC3\xA9t\xC3\xA9\n");
+        qputenv("VOCABRIX_HUNSPELL_DIR", QFile::encodeName(folder));
         SpellChecker checker;
         QVERIFY(checker.setLanguage(QStringLiteral("xx")));
         QCOMPARE(checker.dictionaryName(), QStringLiteral("xx_XX"));
@@ -188,11 +180,8 @@ private slots:
         QCOMPARE(ranges.size(), 2);
         QCOMPARE(text.mid(ranges.at(0).first, ranges.at(0).second), QStringLiteral("mondee"));
         QCOMPARE(text.mid(ranges.at(1).first, ranges.at(1).second), QStringLiteral("zut"));
-    }
 
-    void editorUnderlinesMisspelledWords()
-    {
-        writeDictionary();
+        // The editor underlines only while checking is switched on.
         MyDocument document;
         EntryEditor editor(&document);
         QVERIFY(editor.setSpellLanguage(QStringLiteral("xx"), QStringLiteral("Test")));
@@ -204,7 +193,7 @@ private slots:
                 if (r.format.underlineStyle() == QTextCharFormat::SpellCheckUnderline) words.append(block.text().mid(r.start, r.length));
             return words;
         };
-        QVERIFY(underlined().isEmpty());  // off until switched on
+        QVERIFY(underlined().isEmpty());
         editor.setContinuousSpellCheckingEnabled(true);
         QCOMPARE(underlined(), QStringList{QStringLiteral("mondee")});
         editor.setContinuousSpellCheckingEnabled(false);

@@ -1,8 +1,5 @@
-// The document window, driven headless: every panel and alert answered by ScriptedDialogs, Save
-// As by a scripted save panel, on the real handlers. Only what the window does: its item models,
-// editing in the tables and the editor, the close question, undo, the toolbar and its
-// customization, the Files drawer, the file table's menu, clicks and keys, the progress panel,
-// and the sheets that tell what the command line prints.
+// The document window, driven headless on the real handlers: panels and alerts answered by
+// ScriptedDialogs, Save As by a scripted save panel. Only what the window adds to the model.
 #include "AppTestSupport.h"
 #include "CaseData.h"
 #include "CustomizeToolbarDialog.h"

@@ -1,8 +1,5 @@
-// Dictionary files (their folder and names, the writer's round trip through the string-table
-// reader, the merge of an export) and the browser's and lookup panel's model: duplicate rules,
-// the edited flag and the occasions that save, merges seen by open browsers, the imports' text
-// rules (glossaries, TMX), search folding, completion, similar keys and cleaning.
-// The cases are tables of UTF-8 literals; the program itself converts every byte explicitly.
+// Dictionary files and the browser's and lookup panel's model. The cases are tables of UTF-8
+// literals.
 #undef QT_NO_CAST_FROM_ASCII
 #include "CaseData.h"
 #include "DictController.h"

@@ -1,10 +1,6 @@
-// The document itself: its archive and life on disk (save, open, revert, refusal of foreign or
-// damaged files), the change count, the observations of settings and notifications; and the
-// language table with everything derived from a tag (keys, abbreviations, folder names, popups,
-// the dictionary of a document's pair), the bundle types, the registered settings and the
-// interface texts that ship beside them.
+// The document itself: its archive and life on disk, the change count, and the language table
+// with everything derived from a tag.
 #include "CaseData.h"
-#include "DocumentArchive.h"
 #include "DocumentTestSupport.h"
 #include "Languages.h"
 #include "LocalizedText.h"
@@ -68,20 +64,6 @@ private slots:
         for (const auto &key : Settings::keys()) Settings::instance().remove(key.name);
     }
 
-    void newDocumentArchive()
-    {
-        MyDocument doc;
-        QString error;
-        const auto contents = DocumentArchive::decode(doc.dataRepresentationOfType(), &error);
-        QVERIFY2(contents, qPrintable(error));
-        QCOMPARE(contents->title, QStringLiteral("Title"));
-        QCOMPARE(contents->locLangFrom, 1);
-        QCOMPARE(contents->locLangTo, 2);
-        QVERIFY(contents->files.isEmpty());
-        // The file list is a nested archive of its own, an empty list here.
-        const auto files = DocumentArchive::decodeFiles(DocumentArchive::encodeFiles({}), &error);
-        QVERIFY(files && files->isEmpty());
-    }
 
     void saveAndReopenKeepsEverything()
     {
@@ -412,7 +394,7 @@ private slots:
     void settingsDefaults()
     {
         Settings &settings = Settings::instance();
-        MyDocument fresh;  // its title and languages: newDocumentArchive
+        MyDocument fresh;
         for (const QString &key : {SettingsKey::IgnoreEmptyWords, SettingsKey::IgnoreLocalizedWords,
                                    SettingsKey::ContinuousSpellCheckingEnabled})
             QCOMPARE(settings.value(key), QVariant(false));

@@ -1,9 +1,6 @@
-// The whole job on bundle-shaped trees with the real handlers: add a bundle with its previous
-// release, compare the pre-filled words and marks with the previous release's own files,
-// translate, export into a copy, and compare what was written and what the dictionary learnt.
-// Runs on the project's sample bundle always, on the shared corpus's bundles when they are there
-// (copied, never written in place). Last, every writer of a file replaces it whole.
-// Lists of plain ASCII names are spelt as literals.
+// The whole job on bundles with the real handlers, compared with the previous release's own files:
+// the project's sample bundle always, the corpus's bundles when they are there (copied, never
+// written in place). Lists of plain ASCII names are spelt as literals.
 #undef QT_NO_CAST_FROM_ASCII
 #include "BundleLayout.h"
 #include "DictWindowController.h"
