@@ -422,12 +422,11 @@ private slots:
     // with LocFileFinishReadingFile, after the import returned, and mark the browser edited.
     void applicationImportWithOlderTool()
     {
-        const QString tool = write(QString("fake-nibtool"),
-                                   "#!/bin/bash\nif [[ \" $* \" == *\" -I \"* || \" $* \" == *\" -d \"* ]]; then\n"
-                                   "printf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"D\\x27accord\";\\n\\n'\n"
-                                   "printf '/* NSButton (Cancel) : <title:Cancel> (oid:30) */\\n\"Cancel\" = \"Cancel\";\\n'\n"
-                                   "else\nprintf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"OK\";\\n'\nfi\n");
-        QFile::setPermissions(tool, QFile::permissions(tool) | QFileDevice::ExeOwner);
+        const QString tool = TestSupport::writeFakeTool(path(QString("fake-nibtool")),
+                                   "case \" $* \" in *\" -I \"*|*\" -d \"*)\n"
+                                   "printf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"D\\047accord\";\\n\\n'\n"
+                                   "printf '/* NSButton (Cancel) : <title:Cancel> (oid:30) */\\n\"Cancel\" = \"Cancel\";\\n' ;;\n"
+                                   "*) printf '/* NSButton (OK) : <title:OK> (oid:13) */\\n\"OK\" = \"OK\";\\n' ;;\nesac");
         qputenv("VOCABRIX_NIBTOOL", tool.toUtf8());
         qputenv("VOCABRIX_SYSTEM_VERSION", "10.4.11");
         const QString res = path(QString("Old.app/Contents/Resources/"));

