@@ -13,9 +13,6 @@
 #include "StringsTable.h"
 #include "TestSupport.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
 namespace {
 
 // A word as an entry holds it (string-table escapes), read the way a string table is read.
@@ -198,7 +195,7 @@ private slots:
     // interface file is added; every key whose translation and base text are the same in both
     // releases comes out with the previous translation, checked; entries whose base text changed
     // start unchecked with their previous base word; the export writes <target>.lproj/X.strings in the
-    // bundle's style; the command line does the same job.
+    // bundle's style.
     void baseInternationalization_data()
     {
         QTest::addColumn<QString>("project");
@@ -239,7 +236,7 @@ private slots:
         QCOMPARE(added, interfaceFiles);
 
         // Words and marks against both releases' own files.
-        int carried = 0, changed = 0;
+        int carried = 0;
         QStringList misses;
         for (const LocFilePtr &f : doc->files()) {
             if (f->fileName().endsWith(QLatin1String(".stringsdict"))) continue;
@@ -252,7 +249,6 @@ private slots:
             for (const LocEntryPtr &e : f->allEntries()) {
                 const QString key = *e->keyWord(), where = f->fileName() + u' ' + key;
                 if (oldBase.contains(key) && oldBase.value(key) != e->baseWord().value_or(QString())) {
-                    ++changed;
                     QVERIFY2(!e->isChecked(), qPrintable(where));
                     QCOMPARE(e->previousBaseWord(), OptString(oldBase.value(key)));
                     continue;
@@ -284,19 +280,6 @@ private slots:
             QCOMPARE(map->size(), f->allEntries().size());
             for (const LocEntryPtr &e : f->allEntries()) QCOMPARE(map->value(unescaped(e->keyWord())), unescaped(e->localizedWord()));
         }
-
-        // The command line does the same job and prints the changed base words.
-        const QString cliOut = work + QLatin1String("CliOut.app"), saved = work + QLatin1String("Job.vocabrix");
-        QVERIFY(copyTree(bundle, cliOut, u'/' + targetFolder));
-        const QStringList settings{QStringLiteral("--settings"), work + QLatin1String("s.ini")};
-        const TestSupport::Run job = TestSupport::runProgram(QStringLiteral(VOCABRIX_CLI), settings + QStringList{
-            "job", "--from", "en", "--to", to, "--add", bundle, "--previous", old, "--export-to", cliOut, "--save", saved});
-        QVERIFY2(job.exitCode == 0, job.err.constData());
-        int printed = 0;
-        for (const QByteArray &line : TestSupport::runProgram(QStringLiteral(VOCABRIX_CLI), settings + QStringList{"doc", "entries", saved}).out.split('\n'))
-            if (QJsonDocument::fromJson(line).object().contains(QStringLiteral("previousBase"))) ++printed;
-        QCOMPARE(printed, changed);
-        QVERIFY(QFileInfo::exists(cliOut + QLatin1String("/Contents/Resources/") + targetFolder + QLatin1String("/MainMenu.strings")));
     }
     // A writer that rewrites a file in place loses the user's file when the disk fills or the power
     // fails midway; every writer must put a whole new file in the old one's place.
