@@ -48,7 +48,6 @@
 #include <QUrl>
 
 namespace {
-
 QMimeData *fileDrag(const QStringList &paths)
 {
     auto *data = new QMimeData;
@@ -255,7 +254,6 @@ private slots:
         // Onto a row (not between rows) is refused.
         QVERIFY(!model.canDropMimeData(mixed.get(), Qt::CopyAction, -1, -1, model.index(0, 0)));
     }
-
 
     void preferenceWindow()
     {

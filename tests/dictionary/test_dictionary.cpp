@@ -20,7 +20,6 @@
 using Rows = QList<QPair<QString, QString>>;
 
 namespace {
-
 StringMap mapOf(const Rows &rows)
 {
     StringMap m;

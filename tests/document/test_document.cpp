@@ -13,7 +13,6 @@
 #include <QSignalSpy>
 
 namespace {
-
 class RecordingPopup : public LanguagePopup {
 public:
     QStringList titles;
@@ -63,7 +62,6 @@ private slots:
         setInterfaceLanguage(QString());
         for (const auto &key : Settings::keys()) Settings::instance().remove(key.name);
     }
-
 
     void saveAndReopenKeepsEverything()
     {

@@ -17,7 +17,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
 // Records the two tables an interface file is built from.
 class FakeNibtoolHandler : public ResourceHandler {
 public:
@@ -117,8 +116,6 @@ private slots:
         qunsetenv("VOCABRIX_SYSTEM_VERSION");
     }
 
-
-
     void addingBundles_data() { TestSupport::addTableRows(u"document"_s, u"adding-bundles.tsv"_s, {u"tree"_s, u"added"_s, u"expected"_s}); }
     void addingBundles()
     {
@@ -164,7 +161,6 @@ private slots:
         QCOMPARE(a->status(), QStringLiteral("1/2"));
     }
 
-
     void previousPanelOncePerPathInOrder()
     {
         const QString a = file(QStringLiteral("p/en.lproj/A.strings"));
@@ -204,8 +200,6 @@ private slots:
         QCOMPARE(m_dialogs.panels().size(), 1);
         QCOMPARE(byFolder.files().at(1)->allEntries().at(0)->localizedWord(), OptString(QStringLiteral("w")));
     }
-
-
 
     void readingErrorsShowASheetAndStillAdd()
     {
@@ -367,32 +361,18 @@ private slots:
         QVERIFY(!QFileInfo::exists(dictionary()));  // cancelled: nothing written, nothing merged
     }
 
-    void cancelInWarningShowsPanelAgain()
+    // After the overwrite warning's Cancel the panel comes again, and its new answer is taken.
+    void panelAgainAfterWarning()
     {
         fill();
         QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/French.lproj")));
         m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
         m_dialogs.queueAlertButton(1);
-        m_dialogs.queuePanelCancel();
-        QSignalSpy will(&NotificationCenter::instance(), &NotificationCenter::dictWillExportFile);
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QVERIFY(r.cancelled);
-        QCOMPARE(m_dialogs.panels().size(), 2);
-        QCOMPARE(m_dialogs.panels().at(1).message, m_dialogs.panels().at(0).message);
-        QVERIFY(m_dialogs.alerts().at(0).message.contains(QLatin1String("French.lproj")));
-        QVERIFY(QDir(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))).isEmpty());
-        QCOMPARE(will.count(), 0);
-        QVERIFY(!QFileInfo::exists(dictionary()));
-
-        // Cancel, then a plain folder: the second answer is taken.
-        m_dialogs.clearLog();
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
-        m_dialogs.queueAlertButton(1);
         m_dialogs.queuePanelAnswer(path(QStringLiteral("plain")));
         QDir().mkpath(path(QStringLiteral("plain")));
         QCOMPARE(m_doc->makeAllLocalizedFilesAction().folder, path(QStringLiteral("plain")));
+        QVERIFY(QDir(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))).isEmpty());
     }
-
 
     void selectedFilesOnlyInTheirOrder()
     {
@@ -449,7 +429,6 @@ private slots:
         QCOMPARE(m_dialogs.alerts().size(), 1);
         QVERIFY(m_dialogs.alerts().at(0).message.contains(QFileInfo(r.merge.keptAsidePath).fileName()));
     }
-
 
     void languageFolders_data() { TestSupport::addTableRows(u"document"_s, u"language-folders.tsv"_s, {u"folders"_s, u"language"_s, u"candidates"_s, u"newFolder"_s}); }
     void languageFolders()
@@ -566,15 +545,20 @@ private slots:
                 if (expected.isEmpty()) QVERIFY2(refusal.contains(QLatin1String("several folders")), qPrintable(refusal));
             }
             const QString want = panel ? panelExpected : expected;
-            // Into a language folder already there, the panel's way warns first.
+            // Into a language folder already there, the panel's way warns first; a cancelled answer
+            // shows the panel again, and nothing is written or merged.
             bool warned = false;
             for (const Alert &a : m_dialogs.alerts()) {
                 if (a.title != QLatin1String("Vocabrix may overrite resources")) continue;
                 warned = true;
-                QCOMPARE(a.message, u"There is a "_s + want + u" folder in the package you've chosen and Vocabrix may be going to overwrite resources."_s);
+                QCOMPARE(a.message, u"There is a "_s + (want.isEmpty() ? expected : want)
+                                        + u" folder in the package you've chosen and Vocabrix may be going to overwrite resources."_s);
                 QCOMPARE(a.buttons, strings({"OK", "Cancel"}));
             }
-            QCOMPARE(warned, panel && !want.isEmpty() && split(folders).contains(want.chopped(6)));
+            if (panel && !want.isEmpty() && split(folders).contains(want.chopped(6))) QVERIFY(warned);
+            QCOMPARE(m_dialogs.panels().size(), !panel ? 0 : want.isEmpty() ? 2 : 1);
+            if (want.isEmpty()) QVERIFY(!QFileInfo::exists(doc.dictionaryPath()));
+            QFile::remove(doc.dictionaryPath());
             m_dialogs.clearLog();
             QCOMPARE(result.cancelled, want.isEmpty());
             if (!want.isEmpty()) {

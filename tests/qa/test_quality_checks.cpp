@@ -15,7 +15,6 @@ using namespace Qa;
 using namespace Qt::StringLiterals;
 
 namespace {
-
 QStringList firedChecks(const QList<Problem> &problems)
 {
     QStringList ids;
