@@ -48,6 +48,7 @@
 #include <QUrl>
 
 namespace {
+
 QMimeData *fileDrag(const QStringList &paths)
 {
     auto *data = new QMimeData;

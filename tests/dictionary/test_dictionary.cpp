@@ -20,6 +20,7 @@
 using Rows = QList<QPair<QString, QString>>;
 
 namespace {
+
 StringMap mapOf(const Rows &rows)
 {
     StringMap m;

@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 
 namespace {
+
 class RecordingPopup : public LanguagePopup {
 public:
     QStringList titles;

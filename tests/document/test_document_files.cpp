@@ -17,6 +17,7 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
 // Records the two tables an interface file is built from.
 class FakeNibtoolHandler : public ResourceHandler {
 public:

@@ -14,6 +14,7 @@
 #include "TestSupport.h"
 
 namespace {
+
 // A word as an entry holds it (string-table escapes), read the way a string table is read.
 QString unescaped(const OptString &word)
 {

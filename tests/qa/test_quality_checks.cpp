@@ -15,6 +15,7 @@ using namespace Qa;
 using namespace Qt::StringLiterals;
 
 namespace {
+
 QStringList firedChecks(const QList<Problem> &problems)
 {
     QStringList ids;
