@@ -399,21 +399,12 @@ private slots:
                  m_window->toolbarItem(QStringLiteral("Export")));
         QVERIFY(!m_window->toolbarController()->itemForItemIdentifier(QStringLiteral("Nonsense")));
     }
-    void savedArrangementIsRestored_data()
-    {
-        QTest::addColumn<QStringList>("chosen");
-        QTest::addColumn<QStringList>("shown");
-        QTest::newRow("allowed items only") << names({"Delete", "ExportAll", "Files"})
-                                            << names({"Delete", "ExportAll", "Files"});
-        QTest::newRow("spaces repeat, items do not")
-            << names({"Files", "Space", "Files", "Space", "Separator"}) << names({"Files", "Space", "Space", "Separator"});
-        QTest::newRow("unknown identifiers dropped") << names({"Bogus", "AddFile", ""}) << names({"AddFile"});
-        QTest::newRow("empty toolbar") << QStringList{} << QStringList{};
-    }
+    void savedArrangementIsRestored_data() { TestSupport::addTableRows(S("app"), S("toolbar-arrangements.tsv"), {S("chosenItems"), S("shownItems")}); }
     void savedArrangementIsRestored()
     {
-        QFETCH(QStringList, chosen);
-        QFETCH(QStringList, shown);
+        QFETCH(QString, chosenItems);
+        QFETCH(QString, shownItems);
+        const QStringList chosen = chosenItems.split(u','), shown = shownItems.split(u',', Qt::SkipEmptyParts);
         m_window->toolbarController()->setItemIdentifiers(chosen);
         QCOMPARE(shownIdentifiers(m_window), shown);
         QCOMPARE(Settings::instance().value(QStringLiteral("MyToolbar")).toStringList(), shown);
