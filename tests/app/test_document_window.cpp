@@ -674,7 +674,7 @@ private slots:
         const LocFilePtr a = m_window->fileModel()->fileAt(0);
         const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
         const std::function<QString()> state = [&]() -> QString {
-            if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
+            if (kind.startsWith(QLatin1String("typing"))) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
             if (kind == QLatin1String("title")) return doc->title();
             if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
             if (kind == QLatin1String("order")) {
@@ -690,6 +690,9 @@ private slots:
         if (kind == QLatin1String("typing")) {
             m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
             QVERIFY(m_window->entryEditor()->commit());
+        } else if (kind == QLatin1String("typing in the table")) {
+            QVERIFY(m_window->entryModel()->setData(m_window->entryModel()->index(0, EntryTableModel::LocalizedWordColumn),
+                                                     QStringLiteral("Wort"), Qt::EditRole));
         } else if (kind == QLatin1String("check box")) {
             m_window->entryEditor()->checkBox()->click();
         } else if (kind == QLatin1String("table mark")) {
