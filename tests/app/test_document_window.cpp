@@ -1,8 +1,5 @@
-// The document window, driven headless: every panel and alert answered by ScriptedDialogs, Save
-// As by a scripted save panel, on the real handlers. Only what the window does: its item models,
-// editing in the tables and the editor, the close question, undo, the toolbar and its
-// customization, the Files drawer, the file table's menu, clicks and keys, the progress panel,
-// and the sheets that tell what the command line prints.
+// The document window, driven headless on the real handlers: panels and alerts answered by
+// ScriptedDialogs, Save As by a scripted save panel. Only what the window adds to the model.
 #include "AppTestSupport.h"
 #include "CaseData.h"
 #include "CustomizeToolbarDialog.h"
@@ -17,6 +14,7 @@
 #include "LanguageComboBox.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
+#include "ProblemList.h"
 #include "ProgressPanel.h"
 #include "ScriptedDialogs.h"
 #include "Settings.h"
@@ -65,7 +63,7 @@ private slots:
     void init()
     {
         m_box = std::make_unique<TestSupport::Sandbox>();
-        std::tie(m_bundle, m_previous) = AppTest::writeBundles(*m_box);
+        std::tie(m_bundle, m_previous) = AppTest::bundles();
         m_dialogs = ScriptedDialogs();
         m_savePanel = AppTest::ScriptedSavePanel();
         m_window = newWindow();
@@ -201,29 +199,6 @@ private slots:
         QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Fermer"));
         QVERIFY(!doc()->isDocumentEdited());
     }
-    void checkBoxGoesThroughSwitchButton()
-    {
-        addFixture();
-        const int localizable = fileRow(QStringLiteral("Localizable.strings"));
-        m_window->selectFileRows({localizable});
-        const int bye = rowOfKey(QStringLiteral("bye"));
-        m_window->selectEntryRow(bye);
-        const LocEntryPtr entry = entries()->entryAt(bye);
-        doc()->updateChangeCount(MyDocument::ChangeCleared);
-
-        QVERIFY(entries()->setData(entries()->index(bye, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole));
-        QVERIFY(entry->isChecked());
-        QVERIFY(doc()->isDocumentEdited());
-        QVERIFY(m_window->entryEditor()->checkBox()->isChecked());
-        QTRY_COMPARE(files()->index(localizable, FileTableModel::StatusColumn).data().toString(), QStringLiteral("2/3"));
-
-        // The editor's check box unticks it again, through the same command.
-        doc()->updateChangeCount(MyDocument::ChangeCleared);
-        m_window->entryEditor()->checkBox()->click();
-        QVERIFY(!entry->isChecked());
-        QVERIFY(doc()->isDocumentEdited());
-        QCOMPARE(entries()->index(bye, EntryTableModel::CheckColumn).data(Qt::CheckStateRole).value<Qt::CheckState>(), Qt::Unchecked);
-    }
     void checkAndNextMovesOn()
     {
         addFixture();
@@ -289,15 +264,6 @@ private slots:
 
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
         QCOMPARE(entries()->rowCount(), 3);
-    }
-    void titleField()
-    {
-        QCOMPARE(m_window->titleField()->text(), QStringLiteral("Title"));
-        m_window->titleField()->selectAll();
-        QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
-        QCOMPARE(doc()->title(), QStringLiteral("Notes"));
-        doc()->setTitle(QStringLiteral("Other"));
-        QCOMPARE(m_window->titleField()->text(), QStringLiteral("Other"));
     }
     void busyIndicatorFollowsLoading()
     {
@@ -367,39 +333,6 @@ private slots:
         QVERIFY(!doc()->isDocumentEdited());
         QVERIFY(m_window->currentEntry());
     }
-    void spellingStateIsSavedWithDocument()
-    {
-        QVERIFY(!m_window->entryEditor()->isContinuousSpellCheckingEnabled());
-        m_window->entryEditor()->spellingAction()->setChecked(true);
-        QVERIFY(!Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
-        m_savePanel.answers = {m_box->path(QStringLiteral("s.vocabrix"))};
-        QVERIFY(m_window->save());
-        QVERIFY(Settings::instance().boolValue(SettingsKey::ContinuousSpellCheckingEnabled));
-
-        DocumentWindow later(new MyDocument);
-        QVERIFY(later.entryEditor()->isContinuousSpellCheckingEnabled());
-    }
-    void grabShowsWindow()
-    {
-        addFixture();
-        const QImage image = m_window->grab().toImage();
-        QVERIFY(!image.isNull());
-        QCOMPARE(image.size(), m_window->size() * image.devicePixelRatio());
-        // A drawn window has text, lines and fields: many colours, not one flat fill.
-        QSet<QRgb> colours;
-        for (int y = 0; y < image.height(); y += 3)
-            for (int x = 0; x < image.width(); x += 3) colours.insert(image.pixel(x, y));
-        QVERIFY2(colours.size() > 20, qPrintable(QString::number(colours.size())));
-        // The unchecked file is painted red somewhere in the file table.
-        const QImage table = m_window->fileTable()->grab().toImage();
-        bool red = false;
-        for (int y = 0; y < table.height() && !red; ++y)
-            for (int x = 0; x < table.width() && !red; ++x) {
-                const QColor c = table.pixelColor(x, y);
-                red = c.red() > 200 && c.green() < 80 && c.blue() < 80;
-            }
-        QVERIFY(red);
-    }
     void exportTakesSelectionAndPendingEdit()
     {
         addFixture();
@@ -466,21 +399,12 @@ private slots:
                  m_window->toolbarItem(QStringLiteral("Export")));
         QVERIFY(!m_window->toolbarController()->itemForItemIdentifier(QStringLiteral("Nonsense")));
     }
-    void savedArrangementIsRestored_data()
-    {
-        QTest::addColumn<QStringList>("chosen");
-        QTest::addColumn<QStringList>("shown");
-        QTest::newRow("allowed items only") << names({"Delete", "ExportAll", "Files"})
-                                            << names({"Delete", "ExportAll", "Files"});
-        QTest::newRow("spaces repeat, items do not")
-            << names({"Files", "Space", "Files", "Space", "Separator"}) << names({"Files", "Space", "Space", "Separator"});
-        QTest::newRow("unknown identifiers dropped") << names({"Bogus", "AddFile", ""}) << names({"AddFile"});
-        QTest::newRow("empty toolbar") << QStringList{} << QStringList{};
-    }
+    void savedArrangementIsRestored_data() { TestSupport::addTableRows(S("app"), S("toolbar-arrangements.tsv"), {S("chosenItems"), S("shownItems")}); }
     void savedArrangementIsRestored()
     {
-        QFETCH(QStringList, chosen);
-        QFETCH(QStringList, shown);
+        QFETCH(QString, chosenItems);
+        QFETCH(QString, shownItems);
+        const QStringList chosen = chosenItems.split(u','), shown = shownItems.split(u',', Qt::SkipEmptyParts);
         m_window->toolbarController()->setItemIdentifiers(chosen);
         QCOMPARE(shownIdentifiers(m_window), shown);
         QCOMPARE(Settings::instance().value(QStringLiteral("MyToolbar")).toStringList(), shown);
@@ -658,24 +582,49 @@ private slots:
         QCOMPARE(m_window->fileModel()->rowCount(), 3);  // cancelled: nothing removed, nothing marked
         QVERIFY(!doc()->isDocumentEdited());
     }
-    void fileTableShowsIconsAndTitleItsDash()
+    // The quality checks in the window: error and warning icons apart, the filter to entries with
+    // problems, checking asks nothing, and the editor's list follows the text as typed.
+    void problemsAreShown()
     {
-        addThreeFiles();
-        const QVariant icon = m_window->fileModel()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole);
-        QVERIFY(!icon.value<QIcon>().isNull());
-        QVERIFY(!m_window->fileModel()->index(0, FileTableModel::StatusColumn).data(Qt::DecorationRole).isValid());
-        QVERIFY2(m_window->windowTitle().endsWith(QStringLiteral(" \u2014 Vocabrix")), qPrintable(m_window->windowTitle()));
-    }
-    void nibWithTablesHasMenuCommand()
-    {
-        QAction *command = m_window->menuAction(QStringLiteral("ReadNibAndStrings"));
-        QVERIFY(command);
-        m_dialogs.queuePanelCancel();
-        command->trigger();
-        QCOMPARE(m_dialogs.panels().size(), 1);
-        QVERIFY(m_dialogs.panels().first().allowedExtensions.contains(QStringLiteral("nib")));
-        QCOMPARE(m_window->fileModel()->rowCount(), 0);
-        QVERIFY(!m_window->document()->isDocumentEdited());
+        const QString cases = TestSupport::dataDir(S("qa/cli/"));
+        doc()->addFiles(QList<QPair<QString, OptString>>{{cases + S("base.strings"), cases + S("fr.strings")}});
+        QCOMPARE(entries()->rowCount(), 5);
+        const auto icon = [&](const QString &key) {
+            return entries()->index(rowOfKey(key), EntryTableModel::CheckColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey();
+        };
+        const qint64 error = problemIcon(Qa::Severity::Error).cacheKey(), warning = problemIcon(Qa::Severity::Warning).cacheKey();
+        QVERIFY(error != warning);
+        QCOMPARE(icon(S("files")), error);
+        QCOMPARE(icon(S("ok")), warning);
+        QCOMPARE(icon(S("name")), QIcon().cacheKey());
+        QVERIFY(entries()->index(rowOfKey(S("files")), 0).data(Qt::ToolTipRole).toString().startsWith(S("error: ")));
+        QCOMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), error);
+        QVERIFY(files()->index(0, 0).data(Qt::ToolTipRole).toString().contains(S("1 entry with an error")));
+
+        QAction *problemsOnly = m_window->findChild<QAction *>(S("ProblemsOnly"));
+        QVERIFY(problemsOnly);
+        problemsOnly->trigger();
+        QCOMPARE(entries()->rowCount(), 2);
+        QVERIFY(rowOfKey(S("files")) >= 0 && rowOfKey(S("ok")) >= 0);
+        problemsOnly->trigger();
+        QCOMPARE(entries()->rowCount(), 5);
+
+        const int row = rowOfKey(S("files"));
+        QVERIFY(entries()->setData(entries()->index(row, EntryTableModel::CheckColumn), Qt::Checked, Qt::CheckStateRole));
+        QVERIFY(m_dialogs.shown().isEmpty());
+        QCOMPARE(icon(S("files")), error);
+
+        m_window->selectEntryRow(row);
+        EntryEditor *editor = m_window->entryEditor();
+        QCOMPARE(editor->problemList()->problems().size(), 1);
+        editor->entryField()->setPlainText(S("%d fichiers:"));
+        QCOMPARE(editor->problemList()->problems().size(), 1);
+        QCOMPARE(editor->problemList()->problems().first().check, S("ending-punctuation"));
+        editor->entryField()->setPlainText(S("%d fichiers"));
+        QVERIFY(editor->problemList()->problems().isEmpty());
+        QVERIFY(editor->commit());
+        QCOMPARE(icon(S("files")), QIcon().cacheKey());
+        QTRY_COMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), warning);
     }
     void languageChangesOnlyOnPurpose_data()
     {
@@ -725,7 +674,7 @@ private slots:
         const LocFilePtr a = m_window->fileModel()->fileAt(0);
         const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
         const std::function<QString()> state = [&]() -> QString {
-            if (kind == QLatin1String("typing")) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
+            if (kind.startsWith(QLatin1String("typing"))) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
             if (kind == QLatin1String("title")) return doc->title();
             if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
             if (kind == QLatin1String("order")) {
@@ -741,6 +690,9 @@ private slots:
         if (kind == QLatin1String("typing")) {
             m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
             QVERIFY(m_window->entryEditor()->commit());
+        } else if (kind == QLatin1String("typing in the table")) {
+            QVERIFY(m_window->entryModel()->setData(m_window->entryModel()->index(0, EntryTableModel::LocalizedWordColumn),
+                                                     QStringLiteral("Wort"), Qt::EditRole));
         } else if (kind == QLatin1String("check box")) {
             m_window->entryEditor()->checkBox()->click();
         } else if (kind == QLatin1String("table mark")) {
@@ -757,6 +709,7 @@ private slots:
             emit m_window->languageFromPp()->activated(index);
         } else {
             QMimeData *dragged = m_window->fileModel()->mimeData({m_window->fileModel()->index(0, 0)});
+            QVERIFY(!FileTableModel(doc).canDropMimeData(dragged, Qt::MoveAction, 3, 0, QModelIndex()));  // not another table's rows
             QVERIFY(m_window->fileModel()->dropMimeData(dragged, Qt::MoveAction, 3, 0, QModelIndex()));
             delete dragged;
         }

@@ -1,16 +1,11 @@
-// The document itself: its archive and life on disk (save, open, revert, refusal of foreign or
-// damaged files), the change count, the observations of settings and notifications; and the
-// language table with everything derived from a tag (keys, abbreviations, folder names, popups,
-// the dictionary of a document's pair), the bundle types, the registered settings and the
-// interface texts that ship beside them.
+// The document itself: its archive and life on disk, the change count, and the language table
+// with everything derived from a tag.
 #include "CaseData.h"
-#include "DocumentArchive.h"
 #include "DocumentTestSupport.h"
 #include "Languages.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "NotificationCenter.h"
-#include "PropertyList.h"
 #include "Settings.h"
 #include "VXControllerModel.h"
 
@@ -29,19 +24,11 @@ public:
     void setTagOfItemAtIndex(qsizetype index, int tag) override { tags[index] = tag; }
 };
 
-// A table of `rows` rows keyed from "01", named L1, L2, ... (keys skipped are left out).
-QString writeTable(const QString &path, int rows, const QList<int> &skip = {})
+// Language tables of our own: rows keyed "01".."12" named L1.. with keys Key1.. and
+// abbreviations k1..; the other has rows 01, 02 and 04.
+QString languageTable(const char *name)
 {
-    plist::Dictionary table;
-    for (int i = 1; i <= rows; ++i) {
-        if (skip.contains(i)) continue;
-        plist::Dictionary row{{QStringLiteral("name"), plist::Value::fromString(QStringLiteral("L%1").arg(i))},
-                              {QStringLiteral("key"), plist::Value::fromString(QStringLiteral("Key%1").arg(i))},
-                              {QStringLiteral("abbreviation"), plist::Value::fromString(QStringLiteral("k%1").arg(i))}};
-        table.append({QStringLiteral("%1").arg(i, 2, 10, QLatin1Char('0')), plist::Value::fromDictionary(row)});
-    }
-    plist::writeXmlFile(path, plist::Value::fromDictionary(table));
-    return path;
+    return TestSupport::dataDir(QStringLiteral("document/")) + QLatin1String(name);
 }
 
 }  // namespace
@@ -75,21 +62,6 @@ private slots:
         VXControllerModel::setBundleTypesPath(QString());
         setInterfaceLanguage(QString());
         for (const auto &key : Settings::keys()) Settings::instance().remove(key.name);
-    }
-
-    void newDocumentArchive()
-    {
-        MyDocument doc;
-        QString error;
-        const auto contents = DocumentArchive::decode(doc.dataRepresentationOfType(), &error);
-        QVERIFY2(contents, qPrintable(error));
-        QCOMPARE(contents->title, QStringLiteral("Title"));
-        QCOMPARE(contents->locLangFrom, 1);
-        QCOMPARE(contents->locLangTo, 2);
-        QVERIFY(contents->files.isEmpty());
-        // The file list is a nested archive of its own, an empty list here.
-        const auto files = DocumentArchive::decodeFiles(DocumentArchive::encodeFiles({}), &error);
-        QVERIFY(files && files->isEmpty());
     }
 
     void saveAndReopenKeepsEverything()
@@ -333,7 +305,7 @@ private slots:
         QFETCH(QString, tagText);
         QFETCH(QString, key);
         const int tag = tagText.toInt();
-        Languages::setTablePath(writeTable(m_box->path(QStringLiteral("t.plist")), 12));
+        Languages::setTablePath(languageTable("twelve-languages.plist"));
         const OptString k = languageKeyForLanguage(tag);
         const OptString a = languageAbbreviationForLanguage(tag);
         if (key.isEmpty()) {
@@ -347,7 +319,7 @@ private slots:
 
     void popupsHoldEveryRowInKeyOrder()
     {
-        Languages::setTablePath(writeTable(m_box->path(QStringLiteral("t.plist")), 12));
+        Languages::setTablePath(languageTable("twelve-languages.plist"));
         RecordingPopup from, to;
         from.addItemWithTitle(QStringLiteral("stale"));
         setLanguageNameForPopupButtons({&from, &to});
@@ -364,7 +336,7 @@ private slots:
 
     void gapsAndMissingTable()
     {
-        Languages::setTablePath(writeTable(m_box->path(QStringLiteral("gap.plist")), 4, {3}));
+        Languages::setTablePath(languageTable("row-03-missing.plist"));
         QVERIFY(!languageKeyForLanguage(3));  // position 3 is row "04", but tag 3 reads row "03"
         QCOMPARE(languageKeyForLanguage(4), OptString(QStringLiteral("Key4")));
 
@@ -421,7 +393,7 @@ private slots:
     void settingsDefaults()
     {
         Settings &settings = Settings::instance();
-        MyDocument fresh;  // its title and languages: newDocumentArchive
+        MyDocument fresh;
         for (const QString &key : {SettingsKey::IgnoreEmptyWords, SettingsKey::IgnoreLocalizedWords,
                                    SettingsKey::ContinuousSpellCheckingEnabled})
             QCOMPARE(settings.value(key), QVariant(false));

@@ -1,10 +1,5 @@
-// A document's files on disk: adding them (bundles in every layout, the language folder that
-// stands for a language, skipped names, the previous-version panel once per added path, previous
-// versions and previous base files, changed base words, reading errors, the interface file built
-// from two string tables) and exporting them (the destination choice, the overwrite warning and
-// its "Cancel", writing then merging, what the user is told when something could not be written,
-// the wait for files whose reading ends later). String tables go through a fake handler; panels
-// and alerts are answered by ScriptedDialogs.
+// A document's files on disk: adding and exporting them. String tables go through a fake handler,
+// so these are the document's own rules; panels and alerts are answered by ScriptedDialogs.
 #include "BundleLayout.h"
 #include "CaseData.h"
 #include "DocumentTestSupport.h"
@@ -91,7 +86,7 @@ class TestDocumentFiles : public QObject {
         for (const QString &name : strings(names)) file(under + u'/' + name, bytes);
     }
     QString dictionary() const { return m_doc->dictionaryPath(); }
-    // Two files in r/English.lproj; A's "Open" is translated, B holds "Open" too.
+    // Two files in r/English.lproj; "Open" is translated in A, and otherwise in B.
     void fill()
     {
         const QString a = TestSupport::writeFile(path(QStringLiteral("r/English.lproj/A.strings")),
@@ -99,6 +94,7 @@ class TestDocumentFiles : public QObject {
         const QString b = TestSupport::writeFile(path(QStringLiteral("r/English.lproj/B.strings")), "\"o\" = \"Open\";\n");
         m_doc->addFiles(QList<QPair<QString, OptString>>{{a, std::nullopt}, {b, std::nullopt}});
         m_doc->files().at(0)->allEntries().at(0)->setLocalizedWord(QStringLiteral("Ouvrir"));
+        m_doc->files().at(1)->allEntries().at(0)->setLocalizedWord(QStringLiteral("Ouvre"));
         m_doc->updateChangeCount(MyDocument::ChangeCleared);
     }
 
@@ -121,34 +117,28 @@ private slots:
         qunsetenv("VOCABRIX_SYSTEM_VERSION");
     }
 
-    void bundleUsesAbbreviationFolderAndSkipsOthers()
+    void addingBundles_data() { TestSupport::addTableRows(u"document"_s, u"adding-bundles.tsv"_s, {u"tree"_s, u"added"_s, u"expected"_s}); }
+    void addingBundles()
     {
-        for (const char *name : {"MainMenu.nib/keyedobjects.nib", "MainMenu~.nib/keyedobjects.nib", "Localizable.strings",
-                                 "InfoPlist.strings", "Credits.rtf", "icon.icns", "Old~.nib.strings", "Sub.lproj/x.strings"})
-            file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/") + QLatin1String(name));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        m_dialogs.queuePanelCancel();  // no previous release
-        const QList<LocFilePtr> added = doc.addFiles(QStringList{path(QStringLiteral("Foo.app"))});
-        QCOMPARE(names(added), (QStringList{QStringLiteral("InfoPlist.strings"), QStringLiteral("Localizable.strings"),
-                                            QStringLiteral("MainMenu.nib")}));
-        QCOMPARE(doc.files(), added);
-        QVERIFY(added.at(0)->path().endsWith(QLatin1String("Foo.app/Contents/Resources/en.lproj/InfoPlist.strings")));
-        QCOMPARE(m_dialogs.panels().size(), 1);
-        QCOMPARE(m_dialogs.panels().at(0).allowedExtensions, QStringList{QStringLiteral("app")});
-        QVERIFY(m_dialogs.panels().at(0).bundleExtensions.contains(QStringLiteral("app")));
-    }
-
-    void bundlePrefersKeyFolder()
-    {
-        file(QStringLiteral("Foo.app/Contents/Resources/English.lproj/A.strings"));
-        file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/B.strings"));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{path(QStringLiteral("Foo.app"))});
-        QCOMPARE(names(doc.files()), QStringList{QStringLiteral("A.strings")});
-        // Every file reads the dictionary of the document's pair.
-        QCOMPARE(m_fake->reads.at(0).dictionary, OptString(doc.dictionaryPath()));
+        QFETCH(QString, tree);
+        QFETCH(QString, added);
+        QFETCH(QString, expected);
+        for (const QString &f : split(tree)) file(f);
+        QStringList bundles;
+        for (const QString &b : split(added)) bundles.append(path(b));
+        m_doc->addFiles(bundles);  // every previous-release panel cancelled
+        QStringList got;
+        for (const LocFilePtr &f : m_doc->files()) got.append(QDir(path(QString())).relativeFilePath(f->path()));
+        QCOMPARE(got, split(expected));
+        QVERIFY(m_doc->isDocumentEdited());  // whether or not anything was added
+        for (const FakeStringsHandler::Read &read : m_fake->reads) {
+            QVERIFY(!read.previous);
+            QCOMPARE(read.dictionary, OptString(m_doc->dictionaryPath()));  // the document's pair
+        }
+        for (const OpenPanelOptions &panel : m_dialogs.panels()) {
+            QCOMPARE(panel.allowedExtensions, QStringList{u"app"_s});
+            QVERIFY(panel.bundleExtensions.contains(u"app"_s));
+        }
     }
 
     void previousReleaseByAbbreviation()
@@ -170,25 +160,6 @@ private slots:
         QVERIFY(a->allEntries().at(0)->isChecked());
         QVERIFY(!a->allEntries().at(1)->isChecked());
         QCOMPARE(a->status(), QStringLiteral("1/2"));
-    }
-
-    void bundleWithoutPreviousOrBaseFolder()
-    {
-        file(QStringLiteral("Foo.app/Contents/Resources/en.lproj/A.strings"));
-        file(QStringLiteral("Bar.app/Contents/Resources/de.lproj/A.strings"));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{path(QStringLiteral("Foo.app")), path(QStringLiteral("Bar.app"))});
-        QCOMPARE(m_fake->reads.size(), 1);
-        QVERIFY(!m_fake->reads.at(0).previous);
-        QCOMPARE(doc.files().size(), 1);  // Bar.app has no English folder under either name
-        QVERIFY(doc.isDocumentEdited());
-
-        MyDocument empty;
-        empty.setDialogs(&m_dialogs);
-        empty.addFiles(QStringList{path(QStringLiteral("Bar.app"))});
-        QVERIFY(empty.files().isEmpty());
-        QVERIFY(empty.isDocumentEdited());  // marked changed whether or not anything was added
     }
 
     void previousPanelOncePerPathInOrder()
@@ -229,25 +200,6 @@ private slots:
         byFolder.addFiles(QStringList{a, b});
         QCOMPARE(m_dialogs.panels().size(), 1);
         QCOMPARE(byFolder.files().at(1)->allEntries().at(0)->localizedWord(), OptString(QStringLiteral("w")));
-    }
-
-    void previousPanelStartFolder_data()
-    {
-        QTest::addColumn<bool>("targetFolderExists");
-        QTest::newRow("target folder beside the base folder") << true;
-        QTest::newRow("no target folder") << false;
-    }
-
-    void previousPanelStartFolder()
-    {
-        QFETCH(bool, targetFolderExists);
-        const QString a = file(QStringLiteral("r/English.lproj/A.strings"));
-        if (targetFolderExists) QDir().mkpath(path(QStringLiteral("r/French.lproj")));
-        MyDocument doc;
-        doc.setDialogs(&m_dialogs);
-        doc.addFiles(QStringList{a});
-        const QString expected = path(targetFolderExists ? QStringLiteral("r/French.lproj") : QStringLiteral("r"));
-        QCOMPARE(QDir(m_dialogs.panels().at(0).startFolder).canonicalPath(), QDir(expected).canonicalPath());
     }
 
     void readingErrorsShowASheetAndStillAdd()
@@ -363,6 +315,7 @@ private slots:
         fill();
         const QString out = path(QStringLiteral("out"));
         TestSupport::writeFile(out + QLatin1String("/A.strings"), "old");
+        TestSupport::writeFile(dictionary(), "\"Keep\" = \"Garder\";\n\"Open\" = \"old\";\n");
         m_dialogs.queuePanelAnswer(out);
         QSignalSpy will(&NotificationCenter::instance(), &NotificationCenter::dictWillExportFile);
         const ExportResult r = m_doc->makeAllLocalizedFilesAction();
@@ -375,91 +328,51 @@ private slots:
         QCOMPARE(will.at(0).at(0).value<QObject *>(), m_doc.get());
         QCOMPARE(m_dialogs.shown().last().kind, ScriptedDialogs::Shown::Reveal);
         QCOMPARE(m_dialogs.shown().last().path, out);
+        // The later file's word wins, over the dictionary's too; an untouched, unchecked word
+        // teaches nothing.
         QVERIFY(r.merge.written);
-        QVERIFY(QFileInfo::exists(dictionary()));
+        QCOMPARE(r.pairs.value(QStringLiteral("Open")), QStringLiteral("Ouvre"));
+        QCOMPARE(TestSupport::readFile(dictionary()), QByteArray("\"Keep\" = \"Garder\";\n\"Open\" = \"Ouvre\";\n"));
     }
 
-    void panelOptions_data()
+    // Both the previous-version panel and the export panel open in the target folder beside the
+    // base folder when there is one.
+    void panelsStartInTargetFolder_data()
     {
         QTest::addColumn<bool>("targetFolderExists");
         QTest::newRow("target folder beside the base folder") << true;
-        QTest::newRow("no target folder: the panel's default") << false;
+        QTest::newRow("no target folder") << false;
     }
-
-    void panelOptions()
+    void panelsStartInTargetFolder()
     {
         QFETCH(bool, targetFolderExists);
-        fill();
         if (targetFolderExists) QDir().mkpath(path(QStringLiteral("r/French.lproj")));
-        m_doc->makeAllLocalizedFilesAction();  // cancelled by the script
-        QCOMPARE(m_dialogs.panels().size(), 1);
-        const OpenPanelOptions p = m_dialogs.panels().at(0);
+        m_doc->addFiles(QStringList{file(QStringLiteral("r/English.lproj/A.strings"))});  // both panels cancelled
+        m_doc->makeAllLocalizedFilesAction();
+        QCOMPARE(m_dialogs.panels().size(), 2);
+        const QString target = path(QStringLiteral("r/French.lproj"));
+        const QString previousStart = targetFolderExists ? target : path(QStringLiteral("r"));
+        QCOMPARE(QDir(m_dialogs.panels().at(0).startFolder).canonicalPath(), QDir(previousStart).canonicalPath());
+        const OpenPanelOptions p = m_dialogs.panels().at(1);
         QCOMPARE(p.message, QStringLiteral("Select folder to save localized files"));
         QCOMPARE(p.prompt, QStringLiteral("Export"));
         QVERIFY(p.canChooseDirectories && p.canCreateDirectories && !p.allowsMultipleSelection);
         QVERIFY(p.allowedExtensions.contains(QStringLiteral("app")));
-        QCOMPARE(p.startFolder, targetFolderExists ? path(QStringLiteral("r/French.lproj")) : QString());
+        QCOMPARE(p.startFolder, targetFolderExists ? target : QString());  // else the panel's default
         QVERIFY(!QFileInfo::exists(dictionary()));  // cancelled: nothing written, nothing merged
     }
 
-    void bundleWithAbbreviationFolderWarns()
-    {
-        fill();
-        QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/fr.lproj")));
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
-        m_dialogs.queueAlertButton(0);
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QCOMPARE(m_dialogs.alerts().size(), 1);
-        const Alert a = m_dialogs.alerts().at(0);
-        QCOMPARE(a.title, QStringLiteral("Vocabrix may overrite resources"));
-        QCOMPARE(a.message, QStringLiteral("There is a fr.lproj folder in the package you've chosen and Vocabrix may be "
-                                           "going to overwrite resources."));
-        QCOMPARE(a.buttons, (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
-        QCOMPARE(r.folder, path(QStringLiteral("T.app/Contents/Resources/fr.lproj")));
-        QVERIFY(QFileInfo::exists(r.folder + QLatin1String("/A.strings")));
-        QVERIFY(!QFileInfo::exists(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))));
-    }
-
-    void cancelInWarningShowsPanelAgain()
+    // After the overwrite warning's Cancel the panel comes again, and its new answer is taken.
+    void panelAgainAfterWarning()
     {
         fill();
         QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/French.lproj")));
         m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
         m_dialogs.queueAlertButton(1);
-        m_dialogs.queuePanelCancel();
-        QSignalSpy will(&NotificationCenter::instance(), &NotificationCenter::dictWillExportFile);
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QVERIFY(r.cancelled);
-        QCOMPARE(m_dialogs.panels().size(), 2);
-        QCOMPARE(m_dialogs.panels().at(1).message, m_dialogs.panels().at(0).message);
-        QVERIFY(m_dialogs.alerts().at(0).message.contains(QLatin1String("French.lproj")));
-        QVERIFY(QDir(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))).isEmpty());
-        QCOMPARE(will.count(), 0);
-        QVERIFY(!QFileInfo::exists(dictionary()));
-
-        // Cancel, then a plain folder: the second answer is taken.
-        m_dialogs.clearLog();
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("T.app")));
-        m_dialogs.queueAlertButton(1);
         m_dialogs.queuePanelAnswer(path(QStringLiteral("plain")));
         QDir().mkpath(path(QStringLiteral("plain")));
         QCOMPARE(m_doc->makeAllLocalizedFilesAction().folder, path(QStringLiteral("plain")));
-    }
-
-    void laterFileWinsInDictionary()
-    {
-        fill();
-        m_doc->files().at(1)->allEntries().at(0)->setLocalizedWord(QStringLiteral("Ouvre"));
-        TestSupport::writeFile(dictionary(), "\"Keep\" = \"Garder\";\n\"Open\" = \"old\";\n");
-        m_dialogs.queuePanelAnswer(path(QStringLiteral("out")));
-        QDir().mkpath(path(QStringLiteral("out")));
-        const ExportResult r = m_doc->makeAllLocalizedFilesAction();
-        QCOMPARE(r.pairs.value(QStringLiteral("Open")), QStringLiteral("Ouvre"));
-        const auto stored = dictionaryWithContentsOfFile(dictionary());
-        QVERIFY(stored);
-        QCOMPARE(stored->value(QStringLiteral("Open")), QStringLiteral("Ouvre"));
-        QCOMPARE(stored->value(QStringLiteral("Keep")), QStringLiteral("Garder"));
-        QVERIFY(!stored->contains(QStringLiteral("Quit")));  // an untouched, unchecked word teaches nothing
+        QVERIFY(QDir(path(QStringLiteral("T.app/Contents/Resources/French.lproj"))).isEmpty());
     }
 
     void selectedFilesOnlyInTheirOrder()
@@ -516,23 +429,6 @@ private slots:
         QCOMPARE(TestSupport::readFile(r.merge.keptAsidePath), QByteArray("\"Open\" = \"Ouv"));
         QCOMPARE(m_dialogs.alerts().size(), 1);
         QVERIFY(m_dialogs.alerts().at(0).message.contains(QFileInfo(r.merge.keptAsidePath).fileName()));
-    }
-
-    void destinationWithoutPanel()
-    {
-        fill();
-        QDir().mkpath(path(QStringLiteral("T.app/Contents/Resources/fr.lproj")));
-        QString refusal;
-        ExportResult r = m_doc->makeLocalizedFilesInto(m_doc->files(), path(QStringLiteral("T.app")), false, &refusal);
-        QVERIFY(r.cancelled);
-        QVERIFY(refusal.contains(QLatin1String("fr.lproj")));
-        QVERIFY(QDir(path(QStringLiteral("T.app/Contents/Resources/fr.lproj"))).isEmpty());
-        r = m_doc->makeLocalizedFilesInto(m_doc->files(), path(QStringLiteral("T.app")), true, &refusal);
-        QCOMPARE(r.written.size(), 2);
-        r = m_doc->makeLocalizedFilesInto(m_doc->files(), path(QStringLiteral("new/folder")), false, &refusal);
-        QCOMPARE(r.folder, path(QStringLiteral("new/folder")));
-        QCOMPARE(r.written.size(), 2);
-        QVERIFY(m_dialogs.panels().isEmpty());
     }
 
     void languageFolders_data() { TestSupport::addTableRows(u"document"_s, u"language-folders.tsv"_s, {u"folders"_s, u"language"_s, u"candidates"_s, u"newFolder"_s}); }
@@ -641,10 +537,30 @@ private slots:
                 result = doc.makeAllLocalizedFilesAction();
             } else {
                 QString refusal;
+                // Without a panel, a folder already there is written only when overwriting is allowed.
+                if (!expected.isEmpty() && split(folders).contains(expected.chopped(6))) {
+                    QVERIFY(doc.makeLocalizedFilesInto(doc.files(), bundle, false, &refusal).cancelled);
+                    QVERIFY2(refusal.contains(expected) && QDir(path(resources + u'/' + expected)).isEmpty(), qPrintable(refusal));
+                }
                 result = doc.makeLocalizedFilesInto(doc.files(), bundle, true, &refusal);
                 if (expected.isEmpty()) QVERIFY2(refusal.contains(QLatin1String("several folders")), qPrintable(refusal));
             }
             const QString want = panel ? panelExpected : expected;
+            // Into a language folder already there, the panel's way warns first; a cancelled answer
+            // shows the panel again, and nothing is written or merged.
+            bool warned = false;
+            for (const Alert &a : m_dialogs.alerts()) {
+                if (a.title != QLatin1String("Vocabrix may overrite resources")) continue;
+                warned = true;
+                QCOMPARE(a.message, u"There is a "_s + (want.isEmpty() ? expected : want)
+                                        + u" folder in the package you've chosen and Vocabrix may be going to overwrite resources."_s);
+                QCOMPARE(a.buttons, strings({"OK", "Cancel"}));
+            }
+            if (panel && !want.isEmpty() && split(folders).contains(want.chopped(6))) QVERIFY(warned);
+            QCOMPARE(m_dialogs.panels().size(), !panel ? 0 : want.isEmpty() ? 2 : 1);
+            if (want.isEmpty()) QVERIFY(!QFileInfo::exists(doc.dictionaryPath()));
+            QFile::remove(doc.dictionaryPath());
+            m_dialogs.clearLog();
             QCOMPARE(result.cancelled, want.isEmpty());
             if (!want.isEmpty()) {
                 QCOMPARE(result.folder, path(resources + u'/' + want));

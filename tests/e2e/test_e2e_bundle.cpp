@@ -1,9 +1,6 @@
-// The whole job on bundle-shaped trees with the real handlers: add a bundle with its previous
-// release, compare the pre-filled words and marks with the previous release's own files,
-// translate, export into a copy, and compare what was written and what the dictionary learnt.
-// Runs on the project's sample bundle always, on the shared corpus's bundles when they are there
-// (copied, never written in place). Last, every writer of a file replaces it whole.
-// Lists of plain ASCII names are spelt as literals.
+// The whole job on bundles with the real handlers, compared with the previous release's own files:
+// the project's sample bundle always, the corpus's bundles when they are there (copied, never
+// written in place). Lists of plain ASCII names are spelt as literals.
 #undef QT_NO_CAST_FROM_ASCII
 #include "BundleLayout.h"
 #include "DictWindowController.h"
@@ -15,9 +12,6 @@
 #include "ScriptedDialogs.h"
 #include "StringsTable.h"
 #include "TestSupport.h"
-
-#include <QJsonDocument>
-#include <QJsonObject>
 
 namespace {
 
@@ -173,7 +167,7 @@ private slots:
         QVERIFY2(result.failed.isEmpty(), qPrintable(result.failed.join(u' ')));
         QCOMPARE(result.written.size(), doc->files().size());
 
-        // 5. The written files hold the document's words.
+        // 5. The written files hold the document's words (the translated ones with their quotes).
         for (const LocFilePtr &f : doc->files()) {
             const QString out = result.folder + u'/' + f->fileName();
             if (f->path().endsWith(QLatin1String(".strings"))) {
@@ -183,12 +177,6 @@ private slots:
                     QCOMPARE(written->value(unescaped(e->keyWord() ? e->keyWord() : e->baseWord())), unescaped(e->localizedWord()));
             } else if (f->path().endsWith(QLatin1String(".plist"))) QVERIFY2(plist::readFile(out).value, qPrintable(out));
             else QVERIFY2(QFileInfo(out).size() > 0, qPrintable(out));
-        }
-        for (const QString &word : std::as_const(words)) {
-            bool found = false;
-            for (const QString &out : result.written)
-                found = found || QString::fromUtf8(TestSupport::readFile(out)).contains(QString(word).replace(u'"', QLatin1String("\\\"")));
-            QVERIFY2(found, qPrintable(word));
         }
 
         // 6. The dictionary holds exactly the pairs of the export; the information-list table gives none.
@@ -207,7 +195,7 @@ private slots:
     // interface file is added; every key whose translation and base text are the same in both
     // releases comes out with the previous translation, checked; entries whose base text changed
     // start unchecked with their previous base word; the export writes <target>.lproj/X.strings in the
-    // bundle's style; the command line does the same job.
+    // bundle's style.
     void baseInternationalization_data()
     {
         QTest::addColumn<QString>("project");
@@ -248,7 +236,7 @@ private slots:
         QCOMPARE(added, interfaceFiles);
 
         // Words and marks against both releases' own files.
-        int carried = 0, changed = 0;
+        int carried = 0;
         QStringList misses;
         for (const LocFilePtr &f : doc->files()) {
             if (f->fileName().endsWith(QLatin1String(".stringsdict"))) continue;
@@ -261,7 +249,6 @@ private slots:
             for (const LocEntryPtr &e : f->allEntries()) {
                 const QString key = *e->keyWord(), where = f->fileName() + u' ' + key;
                 if (oldBase.contains(key) && oldBase.value(key) != e->baseWord().value_or(QString())) {
-                    ++changed;
                     QVERIFY2(!e->isChecked(), qPrintable(where));
                     QCOMPARE(e->previousBaseWord(), OptString(oldBase.value(key)));
                     continue;
@@ -293,19 +280,6 @@ private slots:
             QCOMPARE(map->size(), f->allEntries().size());
             for (const LocEntryPtr &e : f->allEntries()) QCOMPARE(map->value(unescaped(e->keyWord())), unescaped(e->localizedWord()));
         }
-
-        // The command line does the same job and prints the changed base words.
-        const QString cliOut = work + QLatin1String("CliOut.app"), saved = work + QLatin1String("Job.vocabrix");
-        QVERIFY(copyTree(bundle, cliOut, u'/' + targetFolder));
-        const QStringList settings{QStringLiteral("--settings"), work + QLatin1String("s.ini")};
-        const TestSupport::Run job = TestSupport::runProgram(QStringLiteral(VOCABRIX_CLI), settings + QStringList{
-            "job", "--from", "en", "--to", to, "--add", bundle, "--previous", old, "--export-to", cliOut, "--save", saved});
-        QVERIFY2(job.exitCode == 0, job.err.constData());
-        int printed = 0;
-        for (const QByteArray &line : TestSupport::runProgram(QStringLiteral(VOCABRIX_CLI), settings + QStringList{"doc", "entries", saved}).out.split('\n'))
-            if (QJsonDocument::fromJson(line).object().contains(QStringLiteral("previousBase"))) ++printed;
-        QCOMPARE(printed, changed);
-        QVERIFY(QFileInfo::exists(cliOut + QLatin1String("/Contents/Resources/") + targetFolder + QLatin1String("/MainMenu.strings")));
     }
     // A writer that rewrites a file in place loses the user's file when the disk fills or the power
     // fails midway; every writer must put a whole new file in the old one's place.

@@ -1,6 +1,5 @@
-// The quality checks on tables of cases (tests/data/qa/cases.tsv: base, translation, the checks
-// expected), the placeholder grammar, unescaping, the places of keys in a table, the cache the
-// window uses, and faults planted in copies of real tables of the corpus.
+// The quality checks on tables of cases, the placeholder grammar, and faults planted in copies of
+// real tables of the corpus.
 #include "CaseData.h"
 #include "FormatSpecifiers.h"
 #include "QualityCache.h"
