@@ -2,13 +2,14 @@
 // text, look-ups, pairs, status and colour, list replacement signals, and the archive.
 #include "LocFile.h"
 #include "NotificationCenter.h"
-#include "TestSupport.h"
+#include "CaseData.h"
 
 #include <QSignalSpy>
 #include <QTest>
 
+using TestSupport::S;
+
 namespace {
-QString S(const char *utf8) { return QString::fromUtf8(utf8); }
 
 // A handler that makes entries from a fixed list of texts and records what it was given.
 class FakeHandler : public ResourceHandler {
@@ -57,27 +58,15 @@ private slots:
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
     }
 
-    void dispatchByExactExtension_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("made");
-        QTest::newRow("strings") << S("a.strings") << true;
-        QTest::newRow("plist") << S("Info.plist") << true;
-        QTest::newRow("xib") << S("Main.xib") << true;
-        QTest::newRow("nib") << S("Main.nib") << true;
-        QTest::newRow("capital NIB") << S("Main.NIB") << false;
-        QTest::newRow("Strings") << S("a.Strings") << false;
-        QTest::newRow("txt") << S("a.txt") << false;
-        QTest::newRow("no extension") << S("strings") << false;
-    }
+    void dispatchByExactExtension_data() { TestSupport::addCaseRows(S("core/extensions.tsv"), {"name", "made"}); }
     void dispatchByExactExtension()
     {
         QFETCH(QString, name);
-        QFETCH(bool, made);
+        QFETCH(QString, made);
         QSignalSpy finished(&NotificationCenter::instance(), &NotificationCenter::locFileFinishReadingFile);
         LocFilePtr file = make({S("\"a\" = \"b\";")}, name);
-        QCOMPARE(bool(file), made);
-        if (!made) return;
+        QCOMPARE(bool(file), made == QLatin1String("yes"));
+        if (!file) return;
         QCOMPARE(file->allEntries().size(), 1);
         QCOMPARE(file->entries().size(), 1);
         QCOMPARE(m_handler->lastDictionary, OptString(S("/dict.strings")));
@@ -162,31 +151,16 @@ private slots:
     // Searches run over folded copies of the texts, patched as texts change and narrowed when a
     // search text extends the previous one; whatever the history, a search must show exactly
     // what a plain case-insensitive scan of the current texts shows, with one signal.
-    void searchAgreesWithAPlainScan_data()
-    {
-        QTest::addColumn<QStringList>("steps");  // a search text, or "edit N WORD", "check N", "filters"
-        QTest::newRow("typing narrows") << QStringList{S("ö"), S("öf"), S("öff"), S("öffnen")};
-        QTest::newRow("typing back widens") << QStringList{S("open"), S("ope"), S("o"), S("")};
-        QTest::newRow("extension in the middle of a word") << QStringList{S("ff"), S("öffn"), S("ffnen")};
-        QTest::newRow("case and non-ASCII case") << QStringList{S("ÖFFNEN"), S("ΣΊΓΜΑ"), S("straße"), S("STRASSE")};
-        QTest::newRow("an edit in place is seen") << QStringList{S("neu"), S("edit 3 neu"), S("neu"), S("neue")};
-        QTest::newRow("an edit that outgrows its room is seen")
-            << QStringList{S("zz"), S("edit 0 a much longer localized word with zz in it"), S("zz"), S("zzz")};
-        QTest::newRow("an edit removes a match before narrowing") << QStringList{S("sch"), S("edit 1 x"), S("schl")};
-        QTest::newRow("check marks under the filters") << QStringList{S("filters"), S("e"), S("check 2"), S("e"), S("en")};
-        QTest::newRow("a key with a NUL unit") << QStringList{QStringLiteral("a\0b"), S("a")};
-        QTest::newRow("surrogate pairs") << QStringList{S("😀"), S("x😀"), S("😀x")};
-        QTest::newRow("a key longer than every text") << QStringList{S("x").repeated(200), S("x")};
-        QTest::newRow("padding never matches") << QStringList{QString(QChar(0)), QString(2, QChar(0))};
-    }
+    // Steps, one field each: a search text, or "edit N WORD", "check N", "filters".
+    void searchAgreesWithAPlainScan_data() { TestSupport::addCaseRows(S("core/search-steps.tsv"), {"steps"}); }
     void searchAgreesWithAPlainScan()
     {
-        QFETCH(QStringList, steps);
+        QFETCH(QString, steps);
         LocFilePtr file = make({S("\"Open\" = \"Öffnen\";"), S("\"Close\" = \"Schließen\";"),
                                 S("/* Σίγμα */\n\"Sigma\" = \"ΣΊΓΜΑ\";"), S("\"Street\" = \"Straße\";"),
                                 S("\"\" = \"\";"), QStringLiteral("\"NUL\" = \"a\0b\";"), S("\"Smile\" = \"x😀x\";"),
                                 S("\"Zero\" = \"\";")});
-        for (const QString &step : steps) {
+        for (const QString &step : steps.split(u'|')) {
             const QStringList words = step.split(u' ');
             if (words.first() == S("edit")) {
                 file->allEntries().at(words.at(1).toInt())->setLocalizedWord(words.mid(2).join(u' '));
