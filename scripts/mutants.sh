@@ -12,7 +12,11 @@
 #   --no-baseline  skip the first run on the untouched tree (its failures are otherwise not
 #                  counted as catches)
 #   --list         print the faults (and whether each snippet still occurs once) and stop
-#   ID...          only these faults (default: all)
+#   ID...          only these faults, in the file's order (default: all)
+#
+# Stop it with Ctrl-C or kill -TERM: the fault is taken out again first. (A script started with
+# "&" from another script ignores SIGINT, and nothing can trap that; use SIGTERM there.)
+# Do not commit while it runs: the file under test holds a fault.
 set -uo pipefail
 
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -24,7 +28,7 @@ baseline=1
 list=0
 ids=()
 
-usage() { sed -n '6,17p' "$0" | sed 's/^# \{0,1\}//'; exit "${1:-0}"; }
+usage() { sed -n '7,19p' "$0" | sed 's/^# \{0,1\}//'; exit "${1:-0}"; }
 
 while [ $# -gt 0 ]; do
   case "$1" in
@@ -173,14 +177,29 @@ summary() {
   return 0
 }
 
-trap 'restore; rm -f "$backup"' EXIT
-trap 'restore; echo; echo "interrupted"; summary; exit 130' INT TERM
+# Builds and test runs go in their own process group and are waited for with `wait`, which a
+# signal interrupts at once (a foreground command would hold the trap back until it ended).
+child=""
+run_child() {
+  local log=$1 rc
+  shift
+  setsid "$@" >"$log" 2>&1 &
+  child=$!
+  wait "$child"
+  rc=$?
+  child=""
+  return "$rc"
+}
+stop_child() { [ -z "$child" ] || { kill -TERM -- "-$child" 2>/dev/null; wait "$child" 2>/dev/null; }; }
 
-build_tree() { cmake --build "$build" -j2 >"$1" 2>&1; }
+trap 'stop_child; restore; rm -f "$backup"' EXIT
+trap 'stop_child; restore; echo; echo "interrupted"; summary; exit 130' INT TERM
+
+build_tree() { run_child "$1" cmake --build "$build" -j2; }
 
 # Runs CTest and prints the failed programs, one per line, "name" or "name (Timeout)" etc.
 failed_tests() {
-  (cd "$build" && QT_QPA_PLATFORM=offscreen ctest -j"$jobs" --timeout "$test_timeout" >"$1" 2>&1)
+  run_child "$1" env QT_QPA_PLATFORM=offscreen ctest --test-dir "$build" -j"$jobs" --timeout "$test_timeout"
   sed -n '/The following tests FAILED:/,$p' "$1" \
     | sed -nE 's/^[[:space:]]+[0-9]+ - ([^ ]+) \((.*)\)[[:space:]]*$/\1 \2/p' \
     | awk '{ if ($2 == "Failed") print $1; else { n = $1; $1 = ""; print n " (" substr($0, 2) ")" } }'
@@ -194,7 +213,8 @@ if [ "$baseline" = 1 ]; then
     exit 1
   fi
   t0=$SECONDS
-  mapfile -t base_failed < <(failed_tests "$logs/baseline-test.log")
+  failed_tests "$logs/baseline-test.log" >"$logs/failed"
+  mapfile -t base_failed <"$logs/failed"
   for t in "${base_failed[@]}"; do expected_failure["${t%% *}"]=1; done
   if [ "${#base_failed[@]}" -gt 0 ]; then
     echo "baseline: already failing, not counted as catches: ${base_failed[*]}"
@@ -219,7 +239,8 @@ for id in "${run_ids[@]}"; do
     broken=$((broken + 1))
     other_ids+=("$id")
   else
-    mapfile -t failed < <(failed_tests "$logs/$id-test.log")
+    failed_tests "$logs/$id-test.log" >"$logs/failed"
+    mapfile -t failed <"$logs/failed"
     restore
     catchers=()
     for t in "${failed[@]}"; do
