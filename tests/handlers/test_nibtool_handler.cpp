@@ -85,93 +85,49 @@ private slots:
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
     }
 
-    void oneRunWithoutDictionaryOrPrevious()
+    // One row per way of reading (tests/data/handlers/nibtool-runs.tsv): the stand-in tool's
+    // shell body run before its answer ("missing": no tool at all), whether a previous version
+    // and a dictionary are given, the command lines expected ("" when not checked), the words
+    // and marks read, the status, and a piece of the warning ("" for none). Each is announced
+    // once, after the output has ended.
+    void runs_data()
     {
-        fakeTool();
-        int announced = 0;
-        const LocFilePtr file = readAndWait(std::nullopt, OptString(path(u"missing.nib"_qs)), &announced);
-        QVERIFY(file);
-        QCOMPARE(announced, 1);
-        QCOMPARE(log(), QStringList{m_case + u"|-L -8 Window.nib"_qs});
-        QVERIFY(!file->readNoDict);
-        QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
-        // The last block has the form of every other.
-        QCOMPARE(file->allEntries().last()->entry(), S("/* NSButton (Cancel) : <title:Cancel> (oid:30) */\n\"Cancel\" = \"Cancel\";"));
-        QCOMPARE(file->allEntries().first()->entry(),
-                 S("/* NSWindow (Preferences) : <title:Preferences> (oid:5) */\n\"Preferences\" = \"Preferences\";"));
-        QCOMPARE(file->entries().size(), 4);
+        addCaseRows(u"handlers/nibtool-runs.tsv"_qs, {"body", "previous", "dictionary", "commands", "words", "status", "warning"});
     }
-
-    // Previous version only: two runs; base words from the second, words from the first by
-    // marker (first occurrence; a missing marker or an empty value keeps the base word).
-    void twoRunsPairedByMarker()
-    {
-        fakeTool();
-        const QString previous = writeFile(path(u"fr/Window.nib"_qs), "old");
-        const LocFilePtr file = readAndWait(std::nullopt, OptString(previous));
-        QVERIFY(file);
-        QCOMPARE(log(), (QStringList{m_case + u"|-L -8 -I "_qs + previous + u" Window.nib"_qs,
-                                     m_case + u"|-L -8 Window.nib"_qs}));
-        QVERIFY(file->readNoDict);
-        QCOMPARE(file->nibResult, OptString(listingText("translated")));
-        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel-"));
-        QCOMPARE(file->allEntries()[1]->baseWord(), OptString(u"OK"_qs));
-        QCOMPARE(file->status(), u"2/4"_qs);
-    }
-
-    // Dictionary only: also two runs; the dictionary checks an entry that it maps to itself.
-    void dictionaryChecksWordsThatStay()
-    {
-        fakeTool();
-        const QString dictionary = writeFile(path(u"en-fr.strings"_qs), "\"Cancel\" = \"Cancel\";\n");
-        const LocFilePtr file = readAndWait(OptString(dictionary), std::nullopt);
-        QVERIFY(file);
-        QCOMPARE(log().first(), m_case + u"|-L -8 -d "_qs + dictionary + u" Window.nib"_qs);
-        QCOMPARE(log().size(), 2);
-        QCOMPARE(entryWords(file), S("Préférences+|D'accord+|Name:-|Cancel+"));
-        QVERIFY(!file->tempDictPath);
-    }
-
-    // A stand-in tool's shell body run before its answer, whether a previous version is given,
-    // and a piece of the warning.
-    void failingToolsListNothing_data() { addCaseRows(u"handlers/nibtool-failures.tsv"_qs, {"body", "withPrevious", "reason"}); }
-    void failingToolsListNothing()
+    void runs()
     {
         QFETCH(QString, body);
-        QFETCH(QString, withPrevious);
-        QFETCH(QString, reason);
-        fakeTool(body.toUtf8());
+        QFETCH(QString, previous);
+        QFETCH(QString, dictionary);
+        QFETCH(QString, commands);
+        QFETCH(QString, words);
+        QFETCH(QString, status);
+        QFETCH(QString, warning);
+        fakeTool(body == u"missing" ? QByteArray() : body.toUtf8());
+        if (body == u"missing") qputenv("VOCABRIX_NIBTOOL", path(u"no-such-tool"_qs).toUtf8());
         qputenv("VOCABRIX_TOOL_TIMEOUT", "1");
-        const OptString previous = withPrevious == u"yes" ? OptString(writeFile(path(u"fr/Window.nib"_qs), "old"))
-                                                : std::nullopt;
+        const OptString old = previous == u"yes" ? OptString(writeFile(path(u"fr/Window.nib"_qs), "old")) : std::nullopt;
+        const OptString dict = dictionary == u"yes" ? OptString(writeFile(path(u"en-fr.strings"_qs), "\"Cancel\" = \"Cancel\";\n"))
+                                                    : std::nullopt;
         int announced = 0;
-        const LocFilePtr file = readAndWait(std::nullopt, previous, &announced);
+        const LocFilePtr file = readAndWait(dict, old, &announced);
         QVERIFY(file);
         QCOMPARE(announced, 1);
-        QVERIFY2(file->warnings().join(u'\n').contains(reason), qPrintable(file->warnings().join(u'\n')));
+        if (!commands.isEmpty())
+            QCOMPARE(log().join(u'\n'), commands.replace(u"{dir}"_qs, m_case)
+                                             .replace(u"{previous}"_qs, old.value_or(QString()))
+                                             .replace(u"{dictionary}"_qs, dict.value_or(QString())));
+        QCOMPARE(entryWords(file, true), words);
+        QCOMPARE(file->status(), status);
         QCOMPARE(file->initError(), QString());
-        // A failed translated run leaves the base words; a failed base run, no entries.
-        if (withPrevious == u"yes") QCOMPARE(entryWords(file), S("Preferences-|OK-|Name:-|Cancel-"));
-        else QVERIFY(file->allEntries().isEmpty());
-    }
-
-    void missingToolIsReportedAfterReturning()
-    {
-        qputenv("VOCABRIX_NIBTOOL", path(u"no-such-tool"_qs).toUtf8());
-        const LocFilePtr file = readAndWait(std::nullopt, std::nullopt);
-        QVERIFY(file);
-        QVERIFY(file->allEntries().isEmpty());
-        QCOMPARE(file->warnings().size(), 1);
-    }
-
-    // A tool that writes much to standard error still finishes: the handler drains it.
-    void chattyStandardErrorDoesNotBlock()
-    {
-        fakeTool("head -c 3000000 /dev/zero | tr '\\0' e >&2");
-        const LocFilePtr file = readAndWait(std::nullopt, std::nullopt);
-        QVERIFY(file);
-        QCOMPARE(file->allEntries().size(), 4);
-        QVERIFY(file->warnings().isEmpty());
+        QVERIFY2(warning.isEmpty() ? file->warnings().isEmpty() : file->warnings().join(u'\n').contains(warning),
+                 qPrintable(file->warnings().join(u'\n')));
+        QCOMPARE(file->readNoDict, old.has_value() || dict.has_value());  // two runs
+        QVERIFY(!file->tempDictPath);
+        // Every block has the same form, the last one too.
+        if (!file->allEntries().isEmpty())
+            QCOMPARE(file->allEntries().last()->entry(),
+                     S("/* NSButton (Cancel) : <title:Cancel> (oid:30) */\n\"Cancel\" = \"Cancel\";"));
     }
 
     // Export: the merge table holds every entry (hidden ones too), each followed by an empty
