@@ -1,6 +1,7 @@
-// The whole job on bundles with the real handlers, compared with the previous release's own files:
-// the project's sample bundle always, the corpus's bundles when they are there (copied, never
-// written in place). Lists of plain ASCII names are spelt as literals.
+// The whole job on the corpus's applications with the real handlers, compared with the previous
+// release's own files (copied, never written in place; skipped without the corpus), and every
+// writer of a file replacing it whole. The sample bundle's whole job is a command-line script
+// (tests/data/e2e/job-in-one-run, document-step-by-step). Plain ASCII names are spelt as literals.
 #undef QT_NO_CAST_FROM_ASCII
 #include "BundleLayout.h"
 #include "DictWindowController.h"
@@ -8,7 +9,6 @@
 #include "Handlers.h"
 #include "Languages.h"
 #include "MyDocument.h"
-#include "PropertyList.h"
 #include "ScriptedDialogs.h"
 #include "StringsTable.h"
 #include "TestSupport.h"
@@ -34,13 +34,6 @@ bool copyTree(const QString &from, const QString &to, const QString &leaveOut = 
         else if (!QFile::copy(source, to + rel)) return false;
     }
     return true;
-}
-
-QString languageFolder(const QString &bundle, int tag)
-{
-    const QString resources = bundle + QLatin1String("/Contents/Resources/");
-    const QString key = *languageKeyForLanguage(tag) + QLatin1String(".lproj");
-    return QFileInfo::exists(resources + key) ? resources + key : resources + *languageAbbreviationForLanguage(tag) + QLatin1String(".lproj");
 }
 
 std::optional<StringMap> table(const QString &path)
@@ -77,120 +70,6 @@ class TestE2EBundle : public QObject {
 private slots:
     void initTestCase() { registerResourceHandlers(); }
     void init() { m_box = std::make_unique<TestSupport::Sandbox>(); }
-    void wholeJob_data()
-    {
-        QTest::addColumn<QString>("bundle");
-        QTest::addColumn<QString>("previous");
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        const QString samples = QStringLiteral(VOCABRIX_SOURCE_DIR "/samples/");
-        QTest::newRow("sample bundle") << samples + QLatin1String("Notekeeper.app") << samples + QLatin1String("Notekeeper-1.0.app") << "en" << "fr";
-        const QString bundles = TestSupport::corpusDir() + QLatin1String("/bundles/vienna-rss/");
-        QTest::newRow("corpus: Vienna, Base to German") << bundles + QLatin1String("Vienna.app") << bundles + QLatin1String("Vienna-old.app")
-                                                        << "Base" << "de";
-    }
-    void wholeJob()
-    {
-        QFETCH(QString, bundle);
-        QFETCH(QString, previous);
-        QFETCH(QString, from);
-        QFETCH(QString, to);
-        if (!QFileInfo(bundle).isDir()) QSKIP(qPrintable(bundle + QLatin1String(" is absent (the shared corpus is not here); skipping")));
-        const QString dest = m_box->path(QStringLiteral("Dest.app"));
-        QVERIFY(copyTree(bundle, dest));
-        ScriptedDialogs dialogs;
-        std::unique_ptr<MyDocument> doc(newDocument(dialogs, from, to));
-        QVERIFY(!QFileInfo::exists(doc->dictionaryPath()));
-
-        // 1. Add the bundle; the one previous-version panel is answered with the old release.
-        dialogs.queuePanelAnswer(previous);
-        doc->addFiles(QStringList{bundle});
-        QCOMPARE(dialogs.panels().size(), 1);
-        const QString previousFolder = languageFolder(previous, doc->locLangTo());
-        QStringList expected, added;
-        for (const QString &name : QDir(languageFolder(bundle, doc->locLangFrom())).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase))
-            if (!name.contains(QLatin1String("~.nib"))
-                && QStringList({"nib", "xib", "strings", "plist", "storyboard", "stringsdict"}).contains(QFileInfo(name).suffix()))
-                expected.append(name);
-        for (const LocFilePtr &f : doc->files()) added.append(f->fileName());
-        QCOMPARE(added, expected);
-        QVERIFY(!added.isEmpty());
-
-        // 2. Words and marks against the previous release: by key for string tables; interface files
-        // without a previous interface file keep their base words.
-        int compared = 0;
-        QList<LocEntryPtr> toTranslate;
-        for (const LocFilePtr &f : doc->files()) {
-            const QString prevPath = previousFolder + u'/' + f->fileName();
-            if (f->path().endsWith(QLatin1String(".strings"))) {
-                const auto prev = dictionaryWithContentsOfFile(prevPath);
-                for (const LocEntryPtr &e : f->allEntries()) {
-                    const QString key = unescaped(e->keyWord() ? e->keyWord() : e->baseWord());
-                    if (prev && prev->contains(key)) {
-                        QCOMPARE(unescaped(e->localizedWord()), prev->value(key));
-                        QVERIFY2(e->isChecked(), qPrintable(f->fileName() + u' ' + key));
-                        ++compared;
-                    } else {
-                        QCOMPARE(e->localizedWord(), e->baseWord());
-                        if (StringUtility::wordLength(e->baseWord()) <= 1) continue;
-                        QVERIFY2(!e->isChecked(), qPrintable(f->fileName() + u' ' + key));
-                        if (toTranslate.size() < 3 && !e->baseWord()->contains(u'\\')) toTranslate.append(e);
-                    }
-                }
-            } else if (!QFileInfo::exists(prevPath) && !f->path().endsWith(QLatin1String(".plist"))) {
-                for (const LocEntryPtr &e : f->allEntries()) QCOMPARE(e->localizedWord(), e->baseWord());
-            }
-        }
-        QVERIFY2(compared > 0, "no word came from the previous release");
-        QVERIFY(!toTranslate.isEmpty());
-
-        // 3. Translate a few entries, with quotes that must survive every step.
-        QStringList words, infoPlistWords;
-        for (int i = 0; i < toTranslate.size(); ++i) {
-            words.append(QStringLiteral("Traduit \"%1\" \u00E9t\u00E9").arg(i));
-            toTranslate.at(i)->setLocalizedWord(words.last());
-            QVERIFY(toTranslate.at(i)->isChecked());
-            for (const LocFilePtr &f : doc->files())
-                if (f->fileName() == QLatin1String("InfoPlist.strings") && f->allEntries().contains(toTranslate.at(i))) infoPlistWords.append(words.last());
-        }
-
-        // 4. Export into the copy; a target folder already there is warned about and accepted.
-        const QString res = dest + QLatin1String("/Contents/Resources/");
-        const bool hadTargetFolder = QFileInfo::exists(res + *doc->targetFolderName())
-            || QFileInfo::exists(res + *doc->targetLanguageAbbreviation() + QLatin1String(".lproj"));
-        dialogs.clearLog();
-        dialogs.queuePanelAnswer(dest);
-        dialogs.queueAlertButton(0);
-        const ExportResult result = doc->makeAllLocalizedFilesAction();
-        QCOMPARE(result.folder, languageFolder(dest, doc->locLangTo()));
-        QCOMPARE(dialogs.alerts().size(), hadTargetFolder ? 1 : 0);
-        QVERIFY2(result.failed.isEmpty(), qPrintable(result.failed.join(u' ')));
-        QCOMPARE(result.written.size(), doc->files().size());
-
-        // 5. The written files hold the document's words (the translated ones with their quotes).
-        for (const LocFilePtr &f : doc->files()) {
-            const QString out = result.folder + u'/' + f->fileName();
-            if (f->path().endsWith(QLatin1String(".strings"))) {
-                const auto written = dictionaryWithContentsOfFile(out);
-                QVERIFY2(written, qPrintable(out));
-                for (const LocEntryPtr &e : f->allEntries())
-                    QCOMPARE(written->value(unescaped(e->keyWord() ? e->keyWord() : e->baseWord())), unescaped(e->localizedWord()));
-            } else if (f->path().endsWith(QLatin1String(".plist"))) QVERIFY2(plist::readFile(out).value, qPrintable(out));
-            else QVERIFY2(QFileInfo(out).size() > 0, qPrintable(out));
-        }
-
-        // 6. The dictionary holds exactly the pairs of the export; the information-list table gives none.
-        const auto dictionary = dictionaryWithContentsOfFile(doc->dictionaryPath());
-        QVERIFY(dictionary);
-        QCOMPARE(*dictionary, result.pairs);
-        QCOMPARE(result.merge.pairCount, result.pairs.size());
-        for (const QString &word : std::as_const(words)) {
-            bool found = false;
-            for (const auto &pair : *dictionary) found = found || pair.second == word;
-            QVERIFY2(found != infoPlistWords.contains(word), qPrintable(word));
-        }
-    }
-
     // Applications laid out for Base internationalization, English to a language: every Base.lproj
     // interface file is added; every key whose translation and base text are the same in both
     // releases comes out with the previous translation, checked; entries whose base text changed
