@@ -108,8 +108,11 @@ private slots:
                                                       : OptString(place(dictionary.toUtf8(), S("en-de.strings"))),
                                                       OptString(place(previous.toUtf8())));
         QCOMPARE(::words(file), words);
-        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(file->warnings().join(u'\n')));
-        if (warnings.toInt()) QVERIFY(file->warnings().first().contains(S("previous version")));
+        const QString told = file->warnings().join(u'\n');
+        QVERIFY2(file->warnings().size() == warnings.toInt(), qPrintable(told));
+        if (warnings.toInt()) QVERIFY(told.contains(S("previous version")));
+        // An unreadable dictionary is named as well.
+        if (warnings.toInt() == 2) QVERIFY2(told.contains(S("en-de.strings")), qPrintable(told));
     }
 
     void exportReplacesStringsOnly()
@@ -206,18 +209,6 @@ private slots:
         QCOMPARE(file->warnings().size(), 1);
         QVERIFY2(file->warnings().first().contains(why), qPrintable(file->warnings().first()));
         QCOMPARE(finished.size(), 1);
-    }
-
-    void unreadableSourcesAreReported()
-    {
-        const QString base = place(plist::toXml(dict({{S("a"), str("x")}})));
-        const QString previous = place("<plist><dict>");
-        const QString dictionary = place("\"x\" = ", S("en-de.strings"));
-        const LocFilePtr file = LocFile::initWithPath(base, OptString(dictionary), OptString(previous));
-        QCOMPARE(words(file), S("x-"));
-        QCOMPARE(file->warnings().size(), 2);
-        QVERIFY(file->warnings().join(u'\n').contains(previous));
-        QVERIFY(file->warnings().join(u'\n').contains(dictionary));
     }
 
     void baseGoneAtExportIsReported()
