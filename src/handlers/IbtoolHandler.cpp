@@ -83,14 +83,6 @@ OptString takePreparedTable(const QString &path)
     return table.text;
 }
 
-// Whatever stands at `path`, a file or a whole nib folder.
-void removeAnything(const QString &path)
-{
-    const QFileInfo info(path);
-    if (info.isDir() && !info.isSymLink()) QDir(path).removeRecursively();
-    else if (info.exists() || info.isSymLink()) QFile::remove(path);
-}
-
 }  // namespace
 
 QString ibtoolMakePListFromNib(const QString &path, QString *failure, QStringList *toolWarnings)
@@ -299,22 +291,21 @@ StringMap ibtoolMakeLocalizedNibFileAt(LocFile &file, const QString &folder)
     const OptString table = ibtoolMakeStringsFile(file, pairs);
     // Absolute, because the tool runs in the interface file's folder, not in ours.
     const QString output = QDir(folder).absoluteFilePath(base.fileName());
-    removeAnything(output);
     if (table) {
+        const QString pending = InterfaceTool::pendingOutputPath(output);
+        InterfaceTool::removeAnything(pending);
         QString failure;
         bool ok = runTool(file.path(),
-                                {base.fileName(), QStringLiteral("--strings-file"), QFileInfo(*table).fileName(),
-                                 QStringLiteral("--write"), output},
-                                &failure, nullptr);
-        if (ok && !QFileInfo::exists(output)) {
+                          {base.fileName(), QStringLiteral("--strings-file"), QFileInfo(*table).fileName(),
+                           QStringLiteral("--write"), pending},
+                          &failure, nullptr);
+        if (ok && !QFileInfo::exists(pending)) {
             ok = false;
             failure = QStringLiteral("The interface tool wrote no file.");
         }
-        if (!ok) {
-            // A tool that failed or was stopped may have left half a file.
-            removeAnything(output);
+        if (!ok) InterfaceTool::removeAnything(pending);  // a tool that failed may have left half a file
+        if (!ok || !InterfaceTool::replaceWithPending(pending, output, &failure))
             file.addWarning(QStringLiteral("The localized interface file \"%1\" could not be written. %2").arg(output, failure));
-        }
         removeFile(*table);
     }
     return pairs;

@@ -8,6 +8,10 @@
 #include <QRegularExpression>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 namespace InterfaceTool {
 
 namespace {
@@ -150,6 +154,46 @@ std::optional<QString> writeMergeTable(LocFile &file)
         return std::nullopt;
     }
     return path;
+}
+
+void removeAnything(const QString &path)
+{
+    const QFileInfo info(path);
+    if (info.isDir() && !info.isSymLink()) QDir(path).removeRecursively();
+    else if (info.exists() || info.isSymLink()) QFile::remove(path);
+}
+
+QString pendingOutputPath(const QString &output)
+{
+    const QFileInfo info(output);
+    return info.absoluteDir().filePath(QStringLiteral(".vocabrix-new-") + info.fileName());
+}
+
+bool replaceWithPending(const QString &pending, const QString &output, QString *failure)
+{
+    const QFileInfo old(output);
+    const auto renamed = [](const QString &from, const QString &to) {
+        return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    };
+    bool ok = false;
+    if (!QFileInfo(pending).isDir() && !(old.isDir() && !old.isSymLink())) {
+        ok = renamed(pending, output);  // replaces a file atomically
+    } else {
+        // rename() cannot put a folder over a non-empty one: the old one waits aside.
+        const QString aside = old.absoluteDir().filePath(QStringLiteral(".vocabrix-old-") + old.fileName());
+        removeAnything(aside);
+        const bool hadOld = old.exists() || old.isSymLink();
+        if (!hadOld || renamed(output, aside)) {
+            ok = renamed(pending, output);
+            if (!ok && hadOld) renamed(aside, output);
+            else removeAnything(aside);
+        }
+    }
+    if (!ok) {
+        removeAnything(pending);
+        if (failure) *failure = QStringLiteral("It could not take the place of the old file: %1.").arg(QString::fromLocal8Bit(std::strerror(errno)));
+    }
+    return ok;
 }
 
 }  // namespace InterfaceTool

@@ -56,4 +56,17 @@ QString describeFailure(Kind kind, const QString &program, const Result &result)
 // it could not be written.
 std::optional<QString> writeMergeTable(LocFile &file);
 
+// Whatever stands at `path`, a file or a whole nib folder, removed.
+void removeAnything(const QString &path);
+
+// A tool writes a localized interface file here first, beside `output` and hidden, with the
+// same extension (the tools choose the form by it). Only a finished file takes the old one's
+// place, so a tool that fails, crashes or is stopped leaves the user's previous file as it was.
+QString pendingOutputPath(const QString &output);
+
+// Puts the file or nib folder at `pending` in the place of `output`: a file by one rename (the
+// old one is never rewritten in place); a folder by moving the old one aside until the new one
+// stands. False, with the reason and `pending` removed, when it cannot.
+bool replaceWithPending(const QString &pending, const QString &output, QString *failure);
+
 }  // namespace InterfaceTool

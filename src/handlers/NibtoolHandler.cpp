@@ -32,13 +32,6 @@ bool existingFile(const OptString &path)
     return path && !path->isEmpty() && QFileInfo::exists(*path);
 }
 
-void removeAnything(const QString &path)
-{
-    const QFileInfo info(path);
-    if (info.isDir() && !info.isSymLink()) QDir(path).removeRecursively();
-    else if (info.exists() || info.isSymLink()) QFile::remove(path);
-}
-
 // What one run has seen; shared by the process's signal handlers.
 struct Run {
     bool ended = false;
@@ -227,22 +220,21 @@ StringMap makeLocalizedNibFileAt(LocFile &file, const QString &folder)
     const OptString table = makeStringsFile(file);
     // Absolute, because the tool runs in the interface file's folder, not in ours.
     const QString output = QDir(folder).absoluteFilePath(base.fileName());
-    removeAnything(output);
     if (!table) return StringMap();
 
     const QString program = InterfaceTool::find(InterfaceTool::Kind::Nibtool);
+    const QString pending = InterfaceTool::pendingOutputPath(output);
+    InterfaceTool::removeAnything(pending);
     InterfaceTool::Result result;
     if (!program.isEmpty())
         result = InterfaceTool::run(program,
                                     {QStringLiteral("-8"), QStringLiteral("-d"), QFileInfo(*table).fileName(),
-                                     QStringLiteral("-w"), output, base.fileName()},
+                                     QStringLiteral("-w"), pending, base.fileName()},
                                     base.absolutePath());
-    if (!result.succeeded()) {
-        // A tool that failed or was stopped may have left half a file.
-        removeAnything(output);
-        file.addWarning(QStringLiteral("The localized interface file \"%1\" could not be written. %2")
-                            .arg(output, InterfaceTool::describeFailure(InterfaceTool::Kind::Nibtool, program, result)));
-    }
+    QString failure = InterfaceTool::describeFailure(InterfaceTool::Kind::Nibtool, program, result);
+    if (!result.succeeded()) InterfaceTool::removeAnything(pending);  // a tool that failed may have left half a file
+    if (!result.succeeded() || !InterfaceTool::replaceWithPending(pending, output, &failure))
+        file.addWarning(QStringLiteral("The localized interface file \"%1\" could not be written. %2").arg(output, failure));
     StringsTable::Error error;
     const std::optional<StringMap> pairs = dictionaryWithContentsOfFile(*table, &error);
     QFile::remove(*table);

@@ -164,7 +164,7 @@ private slots:
                           dir + S("/Base.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
                           dir + S("/fr.lproj|--generate-stringsfile Main Menu__temp.strings Main Menu.xib"),
                           dir + S("/Base.lproj|Main Menu.xib --strings-file Main Menu--temp.strings --write ") + out
-                              + S("/Main Menu.xib"),
+                              + S("/.vocabrix-new-Main Menu.xib"),
                       }));
         QCOMPARE(filesIn(dir + QStringLiteral("/Base.lproj")), QStringList{S("Main Menu.xib")});
         QCOMPARE(filesIn(dir + QStringLiteral("/fr.lproj")), QStringList{S("Main Menu.xib")});
@@ -188,11 +188,11 @@ private slots:
         QVERIFY2(file->initError().contains(reason), qPrintable(file->initError()));
         QVERIFY(file->initError().contains(S("Prefs.xib")));
 
-        // Export: no output file, the pairs as usual, and a warning that says why.
+        // Export: the previous localized file kept as it was, and a warning that says why.
         const QString out = dir + QStringLiteral("/de");
         writeFile(out + QStringLiteral("/Prefs.xib"), "old");
         file->makeLocalizedFileAt(out);
-        QVERIFY(!QFileInfo::exists(out + QStringLiteral("/Prefs.xib")));
+        QCOMPARE(readFile(out + QStringLiteral("/Prefs.xib")), QByteArray("old"));
         QVERIFY(!file->warnings().isEmpty());
         QVERIFY2(file->warnings().last().contains(reason) || reason == S("wrote no string table"),
                  qPrintable(file->warnings().join(u'\n')));
@@ -207,8 +207,11 @@ private slots:
         const LocFilePtr file = LocFile::initWithPath(path, std::nullopt, std::nullopt);
         QCOMPARE(file->allEntries().size(), 3);
         fakeTool(dir, "echo half > \"$5\"; exit 1");
+        writeFile(dir + QStringLiteral("/de/Prefs.xib"), "old");
         file->makeLocalizedFileAt(dir + QStringLiteral("/de"));
-        QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/de/Prefs.xib")));
+        QCOMPARE(QDir(dir + QStringLiteral("/de")).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+                 QStringList{S("Prefs.xib")});
+        QCOMPARE(readFile(dir + QStringLiteral("/de/Prefs.xib")), QByteArray("old"));  // the user's file is not lost
         QVERIFY(!QFileInfo::exists(dir + QStringLiteral("/Prefs--temp.strings")));
     }
 

@@ -151,9 +151,9 @@ private slots:
         QString expected;
         for (const LocEntryPtr &e : file->allEntries()) expected += e->entry() + u"\n\n"_qs;
         QCOMPARE(QString::fromUtf8(readFile(path(u"table-seen"_qs))), expected);
-        QCOMPARE(log().last(), m_case + u"|-8 -d Window--temp.strings -w "_qs + QDir(out).absoluteFilePath(u"Window.nib"_qs)
+        QCOMPARE(log().last(), m_case + u"|-8 -d Window--temp.strings -w "_qs + QDir(out).absoluteFilePath(u".vocabrix-new-Window.nib"_qs)
                                    + u" Window.nib"_qs);
-        QVERIFY(QFileInfo(out + u"/Window.nib"_qs).isFile());  // the old folder was removed first
+        QVERIFY(QFileInfo(out + u"/Window.nib"_qs).isFile());  // in the old folder's place
         QVERIFY(!QFileInfo::exists(path(u"Window--temp.strings"_qs)));
         QCOMPARE(pairs.value(S("Preferences")), S("Préférences"));
         QCOMPARE(pairs.value(u"OK"_qs), u"D'accord"_qs);
