@@ -136,6 +136,9 @@ private slots:
         const qsizetype countAt = 8 + 4 + 1 + 4 + int(strlen("Dictionary")) + 4;
         huge[countAt] = char(0x7F);
         QTest::newRow("absurd count") << huge << "damaged";
+        QByteArray classNewer = good;
+        classNewer[countAt - 1] = char(99);  // the class version, just before the count
+        QTest::newRow("newer class version") << classNewer << "damaged";
         QByteArray renamed = good;
         renamed.replace("Dictionary", "Dictionarx");
         QTest::newRow("foreign class") << renamed << "damaged";

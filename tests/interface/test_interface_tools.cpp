@@ -60,6 +60,7 @@ private slots:
         fr.insert(u"5.title"_qs, u"Préférences"_qs);
         fr.insert(u"13.title"_qs, u"D'accord"_qs);
         fr.insert(u"21.title"_qs, u"Nom :"_qs);
+        fr.insert(u"30.title"_qs, QString());  // emptied there: the dictionary's word, not nothing
         m_box.write(u"fr/Window.nib"_qs, base->localizedData(fr));
         m_box.write(u"fr.strings"_qs, utf16le(u"\n/* c */\n\"1.title\" = \"Préférences\";\n\"404.title\" = \"gone\";\n"_qs));
         m_box.write(u"de.strings"_qs, "\"1.title\" = \"Einstellungen\";\n\"11.title\" = \"Gut\";\n");
