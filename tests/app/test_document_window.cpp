@@ -764,10 +764,12 @@ private slots:
         if (exporting) {
             const QString out = m_box->path(QStringLiteral("out"));
             QVERIFY(QDir().mkpath(out));
+            doc->files().first()->allEntries().first()->setLocalizedWord(QStringLiteral("learnt"));
             const ExportResult result = doc->makeLocalizedFilesInto(doc->files(), out, true);
             QVERIFY(result.stopped);
             QCOMPARE(result.written.size(), 1);
             QVERIFY(result.pairs.isEmpty());
+            QVERIFY(!QFileInfo::exists(doc->dictionaryPath()));  // a stopped export teaches nothing
             QCOMPARE(QDir(out).entryList(QDir::Files).size(), 1);
         } else {
             QList<QPair<QString, OptString>> paths;

@@ -360,6 +360,7 @@ private slots:
         for (const auto &m : found) got.append(QString("%1 %2").arg(*m.row->key()).arg(m.percent));
         QCOMPARE(got, (QStringList{"open file 100", "Open File\u2026 90", "Open Files 90"}));
         QCOMPARE(DictSearch::similarity(u"kitten", u"sitting"), 57);
+        QCOMPARE(DictSearch::similarity(u"", u"abc"), 0);  // lengths as far apart as they can be
         QVERIFY(DictSearch::fuzzyMatches(rows, QString("Unrelated")).isEmpty());
     }
     void cleanIsOneUndoStep()

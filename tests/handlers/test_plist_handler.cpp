@@ -148,6 +148,7 @@ private slots:
         // The entry reads back whole: base and localized word agree and nothing is checked.
         QCOMPARE(e->localizedWord(), e->baseWord());
         QVERIFY(!e->isChecked());
+        QVERIFY2(!e->entry().contains(u'\n'), qPrintable(e->entry()));  // line breaks escaped: one line
         QCOMPARE(file->entryForKey(e->baseWord()), e);
         QCOMPARE(exported(file), base);
         QCOMPARE(unescapePlistWord(escapePlistWord(text)), text);
