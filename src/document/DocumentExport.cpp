@@ -8,7 +8,9 @@
 #include "VXControllerModel.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <sys/stat.h>
 #include <utility>
 
 namespace {
@@ -22,6 +24,15 @@ QString overwriteMessage(const QString &folderName)
     const QString text = localizedString(overwriteKey);
     if (text.contains(QLatin1String("%1"))) return text.arg(folderName);
     return QString(text).replace(QLatin1String("-name-"), folderName);
+}
+
+// The file (or nib folder) standing at a path, 0 for none. Every writer puts a new file in the
+// old one's place and never rewrites it, so a new identity tells a file written now from an
+// older one that a failed write left standing.
+ino_t fileIdentity(const QString &path)
+{
+    struct stat info {};
+    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_ino : 0;
 }
 
 QString quoted(const QString &s)
@@ -218,10 +229,12 @@ ExportResult MyDocument::writeLocalizedFiles(const QList<ExportJob> &jobs, const
         if (into.isEmpty()) {
             result.failed.append(file->path());
         } else {
+            const QString output = localizedOutputPath(*file, into);
+            const ino_t before = fileIdentity(output);
             // A later file's word replaces an earlier one's for the same base word.
             result.pairs.insertAll(file->makeLocalizedFileAt(into));
-            const QString output = localizedOutputPath(*file, into);
-            (QFileInfo::exists(output) ? result.written : result.failed).append(output);
+            const ino_t after = fileIdentity(output);
+            (after != 0 && after != before ? result.written : result.failed).append(output);
         }
         emit progress(++done, int(jobs.size()));
     }
