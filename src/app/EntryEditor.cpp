@@ -15,6 +15,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QVBoxLayout>
 
 using StringUtility::wordOrEmpty;
@@ -123,15 +124,27 @@ void EntryEditor::setEntry(const LocEntryPtr &entry)
     refreshCheck();
 }
 
-bool EntryEditor::commit()
+bool EntryEditor::commit(const QString &actionName)
 {
     if (!m_dirty || !m_entry) return false;
     m_dirty = false;
-    emit entryAboutToChange(m_entry, tr("Typing"));
+    emit entryAboutToChange(m_entry, actionName.isEmpty() ? tr("Typing") : actionName);
     m_entry->setLocalizedWord(m_entryField->toPlainText());
     emit entryChangeEnded();
     emit committed(m_entry.get());
     return true;
+}
+
+void EntryEditor::insertWord(const QString &word, const QString &actionName)
+{
+    if (!m_entry || !m_entryField->isEnabled() || m_entryField->isReadOnly()) return;
+    commit();  // what was typed before is a step of its own
+    QTextCursor cursor(m_entryField->document());
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(word);
+    cursor.endEditBlock();
+    commit(actionName);
 }
 
 void EntryEditor::refreshCheck()

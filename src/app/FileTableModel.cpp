@@ -24,6 +24,7 @@ FileTableModel::FileTableModel(MyDocument *document, QObject *parent)
     // Entries post their check marks one by one, thousands of them while a bundle is read:
     // the rows are repainted once per pass of the event loop, not once per entry.
     connect(document, &MyDocument::entryModified, this, &FileTableModel::refreshStatus);
+    connect(document, &MyDocument::searchPerformed, this, &FileTableModel::refreshFound);
 }
 
 // Two files of one name (Localizable.strings of the application and of a framework, or of two
@@ -73,6 +74,11 @@ void FileTableModel::refreshStatus()
     });
 }
 
+void FileTableModel::refreshFound()
+{
+    if (!m_files.isEmpty()) emit dataChanged(index(0, FoundColumn), index(int(m_files.size()) - 1, FoundColumn), {Qt::DisplayRole});
+}
+
 LocFilePtr FileTableModel::fileAt(int row) const
 {
     return row >= 0 && row < m_files.size() ? m_files.at(row) : nullptr;
@@ -101,6 +107,8 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (!file) return {};
     switch (role) {
     case Qt::DisplayRole:
+        if (index.column() == FoundColumn)
+            return m_document->isSearching() ? QVariant(int(file->entries().size())) : QVariant();
         return index.column() == NameColumn ? m_names.value(index.row(), file->fileName()) : file->status();
     case Qt::ForegroundRole:
         if (file->color() == EntryColor::Red) return QBrush(Qt::red);
@@ -125,7 +133,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
         return lines.join(u'\n');
     }
     case Qt::TextAlignmentRole:
-        if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
+        if (index.column() != NameColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};
     default:
         return {};
@@ -142,6 +150,7 @@ Qa::FileSummary FileTableModel::summary(const LocFile &file) const
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+    if (section == FoundColumn) return tr("Found");
     return section == NameColumn ? tr("File") : tr("Status");
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 // The document's file table: one row per LocFile with its name and its status "checked/all",
-// red while an entry is unchecked, with an icon while an entry has an error (or a warning). Rows are reordered by dragging; files and bundles dropped
+// red while an entry is unchecked, with an icon while an entry has an error (or a warning); while
+// a search or filter narrows the entries, how many each file shows. Rows are reordered by
+// dragging; files and bundles dropped
 // from the file manager are handed to the document a moment later (so the drop is answered
 // before the document asks for previous versions).
 
@@ -14,7 +16,7 @@ class MyDocument;
 class FileTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column { NameColumn, StatusColumn, ColumnCount };
+    enum Column { NameColumn, StatusColumn, FoundColumn, ColumnCount };
     // The row drag's own type: row indexes plus the model's identity, so that only this table
     // takes its rows.
     static QString dragRowTypeName() { return QStringLiteral("application/x-vocabrix-file-rows"); }
@@ -44,6 +46,8 @@ public:
 public slots:
     // Status and colour of every row read again (an entry's check mark changed).
     void refreshStatus();
+    // The found column read again (a search ran, an entry left the shown list).
+    void refreshFound();
 
     static QStringList shownNames(const QList<LocFilePtr> &files);
 

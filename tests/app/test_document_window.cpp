@@ -3,6 +3,8 @@
 #include "AppTestSupport.h"
 #include "CaseData.h"
 #include "CustomizeToolbarDialog.h"
+#include "DictionaryFiles.h"
+#include "DictPanel.h"
 #include "DocumentUndo.h"
 #include "DocumentWindow.h"
 #include "EntryEditor.h"
@@ -12,6 +14,7 @@
 #include "FilesDrawer.h"
 #include "Handlers.h"
 #include "LanguageComboBox.h"
+#include "Languages.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "ProblemList.h"
@@ -264,6 +267,37 @@ private slots:
 
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
         QCOMPARE(entries()->rowCount(), 3);
+    }
+    // The work left, across files: counted per file and in total, walked with Find Next and
+    // Find Previous from file to file and round.
+    void findingTheWork()
+    {
+        addThreeFiles();
+        doc()->files().at(0)->allEntries().first()->setLocalizedWord(S("Vau"));  // done: left out
+        QVERIFY(m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        m_window->menuAction(S("OnlyToDo"))->trigger();
+        QVERIFY(!m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        QStringList found;
+        for (int row = 0; row < 3; ++row) found.append(files()->index(row, FileTableModel::FoundColumn).data().toString());
+        QCOMPARE(found, names({"1", "2", "2"}));
+        QVERIFY(m_window->findChild<QLabel *>(S("summary"))->text().startsWith(S("5 entries found; ")));
+
+        m_window->selectFileRows({0});
+        const QList<std::pair<int, int>> walk{{1, 0}, {1, 1}, {2, 0}, {2, 1}, {0, 0}, {1, 0}};  // file, row
+        for (const auto &[file, row] : walk) {
+            m_window->findNext();
+            QCOMPARE(m_window->currentEntry(), files()->fileAt(file)->entries().at(row));
+        }
+        m_window->findPrevious();
+        QCOMPARE(m_window->currentEntry(), files()->fileAt(0)->entries().at(0));
+        m_window->findPrevious();
+        QCOMPARE(m_window->currentEntry(), files()->fileAt(2)->entries().at(1));
+        QCOMPARE(m_window->menuAction(S("FindNext"))->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
+        QCOMPARE(m_window->menuAction(S("FindPrevious"))->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G));
+
+        m_window->menuAction(S("OnlyToDo"))->trigger();
+        QVERIFY(m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        QVERIFY(!m_window->findChild<QLabel *>(S("summary"))->text().contains(S("found")));
     }
     void busyIndicatorFollowsLoading()
     {
@@ -628,7 +662,8 @@ private slots:
     }
     void languageChangesOnlyOnPurpose_data()
     {
-        TestSupport::addTableRows(S("app"), S("language-changes.tsv"), {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts")});
+        TestSupport::addTableRows(S("app"), S("language-changes.tsv"),
+                                  {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts"), S("words")});
     }
     void languageChangesOnlyOnPurpose()
     {
@@ -638,10 +673,17 @@ private slots:
         QFETCH(QString, answer);
         QFETCH(QString, changed);
         QFETCH(QString, alerts);
+        QFETCH(QString, words);
         const bool base = side == S("b"), withEntries = entries == S("y");
         int tag = chosen.toInt();
-        if (withEntries) addThreeFiles();
         MyDocument *doc = m_window->document();
+        doc->setLocLangFrom(*tagForLanguage(S("en")));
+        TestSupport::writeFile(DictionaryFiles::dictionaryFolder() + S("/English-German.strings"), "\"v\" = \"Wert\";\n");
+        if (withEntries) {
+            addThreeFiles();
+            for (const LocEntryPtr &e : doc->files().first()->allEntries()) e->setCheck(true);
+            doc->files().first()->allEntries().first()->setLocalizedWord(S("Typed"));
+        }
         const int before = base ? doc->locLangFrom() : doc->locLangTo();
         if (tag == 0) tag = base ? doc->locLangTo() : doc->locLangFrom();
         QVERIFY(tag != before);
@@ -658,6 +700,10 @@ private slots:
         QCOMPARE(doc->locLangFrom() == doc->locLangTo(), false);
         QCOMPARE(popup->focusPolicy(), Qt::ClickFocus);
         QCOMPARE(popup->count(), int(languageItems().size()));
+        QStringList shown;
+        for (const LocEntryPtr &e : doc->files().isEmpty() ? QList<LocEntryPtr>() : doc->files().first()->allEntries())
+            shown.append(wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-'));
+        QCOMPARE(shown.join(u','), words);
         // The popups follow the document (an opened or reverted archive).
         doc->setLocLangFrom(doc->locLangTo() == 4 ? 5 : 4);
         QCOMPARE(m_window->languageFromPp()->selectedTag(), doc->locLangFrom());
@@ -674,7 +720,10 @@ private slots:
         const LocFilePtr a = m_window->fileModel()->fileAt(0);
         const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
         const std::function<QString()> state = [&]() -> QString {
-            if (kind.startsWith(QLatin1String("typing"))) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
+            const auto word = [](const LocEntryPtr &e) { return wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-'); };
+            if (kind.startsWith(QLatin1String("typing")) || kind == QLatin1String("dictionary pair")) return word(first);
+            if (kind == QLatin1String("same translation"))
+                return word(doc->files().at(1)->allEntries().first()) + word(doc->files().at(2)->allEntries().first());
             if (kind == QLatin1String("title")) return doc->title();
             if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
             if (kind == QLatin1String("order")) {
@@ -684,10 +733,23 @@ private slots:
             }
             return QStringLiteral("%1%2").arg(first->isChecked()).arg(second->isChecked());
         };
+        if (kind == QLatin1String("same translation")) {
+            // A committed word is offered to the entries of the same base word, not given.
+            m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
+            QVERIFY(m_window->entryEditor()->commit());
+            QVERIFY(m_window->sameTranslationOffer()->isVisibleTo(m_window));
+            QVERIFY(m_window->sameTranslationOffer()->findChild<QLabel *>()->text().contains(S("2 more")));
+            m_window->undo()->stack()->clear();
+        }
         const QString before = state();
         doc->updateChangeCount(MyDocument::ChangeCleared);
 
-        if (kind == QLatin1String("typing")) {
+        if (kind == QLatin1String("same translation")) {
+            m_window->menuAction(S("SameTranslation"))->trigger();
+            QVERIFY(!m_window->sameTranslationOffer()->isVisibleTo(m_window));
+        } else if (kind == QLatin1String("dictionary pair")) {
+            m_window->dictPanel()->chooseValue(S("Wort"));
+        } else if (kind == QLatin1String("typing")) {
             m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
             QVERIFY(m_window->entryEditor()->commit());
         } else if (kind == QLatin1String("typing in the table")) {
@@ -704,7 +766,7 @@ private slots:
         } else if (kind == QLatin1String("title")) {
             QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
         } else if (kind == QLatin1String("language")) {
-            m_dialogs.queueAlertButton(0);
+            m_dialogs.queueAlertButton(1);  // change only: reading the files again cannot be undone
             const int index = m_window->languageFromPp()->findData(doc->locLangTo() == 3 ? 4 : 3);
             emit m_window->languageFromPp()->activated(index);
         } else {
