@@ -399,11 +399,17 @@ private slots:
         const QString broken = m_box->write(QStringLiteral("a/Broken.strings"), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
         const QString good = m_box->write(QStringLiteral("b/Good.strings"),
                                                     "/* Preferences -> Transfers -> Magnet tooltip */\n\"magnet\" = \"Open magnets\";\n");
-        m_dialogs.queuePanelAnswer(broken);
+        const QString broken2 = m_box->write(QStringLiteral("c/Broken2.strings"), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
+        const QString credits = m_box->write(QStringLiteral("c/Credits.rtf"), "{\\rtf1}");
+        // Two tables that break the grammar and a file of another kind: one report, which names all three.
+        m_dialogs.queuePanelAnswer(QStringList{broken, broken2, credits});
+        m_dialogs.queueAlertButton(2);  // no previous versions
         m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
-        QVERIFY(!m_dialogs.alerts().isEmpty());
-        QVERIFY2(m_dialogs.alerts().last().message.contains(QStringLiteral("breaks the string-table syntax at line 2")),
-                 qPrintable(m_dialogs.alerts().last().message));
+        QCOMPARE(m_dialogs.alerts().size(), 2);
+        const Alert report = m_dialogs.alerts().last();
+        QVERIFY(report.copyable);
+        for (const char *name : {"Broken.strings", "Broken2.strings", "Credits.rtf"}) QVERIFY2(report.message.contains(S(name)), name);
+        QVERIFY2(report.message.contains(QStringLiteral("breaks the string-table syntax at line 2")), qPrintable(report.message));
 
         const qsizetype alertsBefore = m_dialogs.alerts().size();
         m_dialogs.queuePanelAnswer(good);
