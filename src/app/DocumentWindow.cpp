@@ -62,6 +62,7 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
     m_entryModel = new EntryTableModel(document, this);
     m_undo = new DocumentUndo(document, this);
     m_progressPanel = new ProgressPanel(document, this);
+    m_sheets->setAroundQuestions([this](bool asking) { asking ? m_progressPanel->pause() : m_progressPanel->resume(); });
     buildLayout();
     m_dictPanel = new DictPanel(document, m_entryEditor, this);
     addDockWidget(Qt::RightDockWidgetArea, m_dictPanel);

@@ -5,6 +5,22 @@
 #include <algorithm>
 #include <utility>
 
+QStringList GatheredSheets::runOpenPanel(const OpenPanelOptions &options)
+{
+    if (m_around) m_around(true);
+    const QStringList chosen = m_target->runOpenPanel(options);
+    if (m_around) m_around(false);
+    return chosen;
+}
+
+int GatheredSheets::runAlert(const Alert &alert)
+{
+    if (m_around) m_around(true);
+    const int button = m_target->runAlert(alert);
+    if (m_around) m_around(false);
+    return button;
+}
+
 void GatheredSheets::showAlertSheet(const Alert &alert)
 {
     Alert copyable = alert;

@@ -6,6 +6,7 @@
 #include "Dialogs.h"
 
 #include <QList>
+#include <functional>
 
 class GatheredSheets : public Dialogs {
 public:
@@ -15,8 +16,12 @@ public:
     void end();
     int depth() const { return m_depth; }
 
-    QStringList runOpenPanel(const OpenPanelOptions &options) override { return m_target->runOpenPanel(options); }
-    int runAlert(const Alert &alert) override { return m_target->runAlert(alert); }
+    // Told before (true) and after (false) every panel and question, which a progress panel
+    // must not cover.
+    void setAroundQuestions(std::function<void(bool asking)> around) { m_around = std::move(around); }
+
+    QStringList runOpenPanel(const OpenPanelOptions &options) override;
+    int runAlert(const Alert &alert) override;
     void showAlertSheet(const Alert &alert) override;
     void revealInFileManager(const QString &path) override { m_target->revealInFileManager(path); }
 
@@ -36,4 +41,5 @@ private:
     Dialogs *m_target = nullptr;
     int m_depth = 0;
     QList<Alert> m_waiting;
+    std::function<void(bool)> m_around;
 };

@@ -86,7 +86,15 @@ private slots:
         const QStringList fileCommands{QStringLiteral("Export"), QStringLiteral("ExportAll"), QStringLiteral("Delete")};
         QVERIFY(m_window->toolbarItem(QStringLiteral("AddFile"))->isEnabled());
         for (const QString &id : fileCommands) QVERIFY2(!m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
-        addFixture();
+        // The progress panel, window-modal, must not cover the previous-version panel: it would block it.
+        bool covered = true;
+        m_dialogs.panelFallback = [&](const OpenPanelOptions &) {
+            covered = m_window->progressPanel()->dialog() != nullptr;
+            return QStringList{m_previous};
+        };
+        m_dialogs.queuePanelAnswer(m_bundle);
+        m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+        QVERIFY(!covered);
         for (const QString &id : fileCommands) QVERIFY2(m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
         QCOMPARE(m_dialogs.panels().size(), 2);  // the files, then the bundle's previous release
         // Credits.rtf is not a resource; the table lists the two string tables.
