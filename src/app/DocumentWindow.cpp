@@ -206,13 +206,7 @@ void DocumentWindow::wireDocument()
     connect(m_entryEditor, &EntryEditor::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
     connect(m_entryModel, &EntryTableModel::entryAboutToChange, m_undo, begin);
     connect(m_entryModel, &EntryTableModel::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
-    connect(m_undo, &DocumentUndo::stepApplied, this, [this] {
-        if (const int rows = m_entryModel->rowCount())
-            emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
-        const LocEntryPtr shown = m_entryEditor->entry();
-        m_entryEditor->setEntry(nullptr);
-        m_entryEditor->setEntry(shown);
-    });
+    connect(m_undo, &DocumentUndo::stepApplied, this, &DocumentWindow::showEntriesAgain);
     connect(doc, &MyDocument::titleChanged, this, [this] {
         if (m_titleField->text() != m_document->title()) m_titleField->setText(m_document->title());
     });
@@ -374,6 +368,16 @@ void DocumentWindow::removeCurrentEntryFromSearchResult(const LocFilePtr &file, 
     if (file) file->hideEntry(entry);
     m_fileModel->refreshFound();
     m_entryEditor->focusEditor();
+}
+
+// Words changed behind the table and the editor (undo, a word given to several entries).
+void DocumentWindow::showEntriesAgain()
+{
+    if (const int rows = m_entryModel->rowCount())
+        emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
+    const LocEntryPtr shown = m_entryEditor->entry();
+    m_entryEditor->setEntry(nullptr);
+    m_entryEditor->setEntry(shown);
 }
 
 void DocumentWindow::updateSpellLanguage()

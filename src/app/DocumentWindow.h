@@ -141,6 +141,7 @@ private:
     void updateWindowTitle();
     void updateSummary();
     void updateSpellLanguage();
+    void showEntriesAgain();
     void showCurrentFile();
     void restoreFileSelection();
     void restoreEntrySelection();

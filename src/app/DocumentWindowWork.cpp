@@ -127,6 +127,7 @@ void DocumentWindow::useSameTranslation()
     m_undo->beginEntryChange(others, tr("Same Translation"));
     m_document->useSameTranslation(*source, others);
     m_undo->endEntryChange();
+    showEntriesAgain();
     statusBar()->showMessage(countedText(others.size(), tr("1 more entry took the word, unchecked."),
                                          tr("%1 more entries took the word, unchecked.")),
                              5000);

@@ -754,6 +754,7 @@ private slots:
             QVERIFY(m_window->sameTranslationOffer()->isVisibleTo(m_window));
             QVERIFY(m_window->sameTranslationOffer()->findChild<QLabel *>()->text().contains(S("2 more")));
             m_window->undo()->stack()->clear();
+            m_window->selectFileRows({1});  // the offer stays; the editor shows one of the entries it names
         }
         const QString before = state();
         doc->updateChangeCount(MyDocument::ChangeCleared);
@@ -761,6 +762,7 @@ private slots:
         if (kind == QLatin1String("same translation")) {
             m_window->menuAction(S("SameTranslation"))->trigger();
             QVERIFY(!m_window->sameTranslationOffer()->isVisibleTo(m_window));
+            QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), S("Wort"));
         } else if (kind == QLatin1String("dictionary pair")) {
             m_window->dictPanel()->chooseValue(S("Wort"));
         } else if (kind == QLatin1String("typing")) {
