@@ -182,6 +182,8 @@ QWidget *DocumentWindow::buildEntryPane()
         if (m_entryEditor->entry().get() == entry) offerSameTranslation(m_entryEditor->entry());
     });
     connect(m_entryModel, &EntryTableModel::wordCommitted, this, &DocumentWindow::offerSameTranslation);
+    // Files read again or removed: the offered word may belong to entries no longer there.
+    connect(m_document, &MyDocument::filesChanged, this, [this] { offerSameTranslation(nullptr); });
     connect(m_entryEditor, &EntryEditor::statusMessage, this, [this](const QString &text) { statusBar()->showMessage(text); });
     connect(m_entryEditor, &EntryEditor::checkAndNextRequested, this, &DocumentWindow::checkLocalized);
     connect(m_entryEditor, &EntryEditor::continuousSpellCheckingChanged, this,

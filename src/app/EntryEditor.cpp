@@ -128,6 +128,8 @@ bool EntryEditor::commit(const QString &actionName)
 {
     if (!m_dirty || !m_entry) return false;
     m_dirty = false;
+    // Highlighting again (another spelling language) announces a change of the text too.
+    if (m_entryField->toPlainText() == wordOrEmpty(m_entry->localizedWord())) return false;
     emit entryAboutToChange(m_entry, actionName.isEmpty() ? tr("Typing") : actionName);
     m_entry->setLocalizedWord(m_entryField->toPlainText());
     emit entryChangeEnded();

@@ -68,8 +68,9 @@ bool MyDocument::rereadFiles()
     setLoadingFiles(false);
     if (!names.isEmpty()) {
         Alert alert;
-        alert.title = localizedString(QStringLiteral("Some files could not be read again"));
-        alert.message = localizedString(QStringLiteral("They keep their words, all unchecked:")) + u'\n' + names.join(u'\n');
+        alert.title = localizedString(QStringLiteral("Some files give no entries when read alone"));
+        alert.message = localizedString(QStringLiteral("They keep the entries they had, all unchecked: check their words "
+                                                       "for the new pair.")) + u'\n' + names.join(u'\n');
         alert.style = AlertStyle::Informational;
         dialogs().showAlertSheet(alert);
     }

@@ -209,6 +209,12 @@ private slots:
         QVERIFY(m_window->save());
         QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Fermer"));
         QVERIFY(!doc()->isDocumentEdited());
+        // The text changed back to the word (or only highlighted again) is no step: nothing to write.
+        const int steps = m_window->undo()->stack()->count();
+        QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_X);
+        QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_Backspace);
+        QVERIFY(!m_window->entryEditor()->commit());
+        QCOMPARE(m_window->undo()->stack()->count(), steps);
     }
     void checkAndNextMovesOn()
     {
