@@ -150,7 +150,12 @@ QWidget *DocumentWindow::buildFilePane()
     m_fileTable = makeTable(m_fileModel, QStringLiteral("fileTable"), this);
     m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::NameColumn, QHeaderView::Stretch);
     m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::StatusColumn, QHeaderView::ResizeToContents);
-    m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::FoundColumn, QHeaderView::ResizeToContents);
+    // A fixed width: sized to its contents, every search keystroke measured every row's status.
+    const QFontMetrics metrics = m_fileTable->fontMetrics();
+    const QString header = m_fileModel->headerData(FileTableModel::FoundColumn, Qt::Horizontal, Qt::DisplayRole).toString();
+    m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::FoundColumn, QHeaderView::Fixed);
+    m_fileTable->horizontalHeader()->resizeSection(
+        FileTableModel::FoundColumn, std::max(metrics.horizontalAdvance(QStringLiteral("000000")), metrics.horizontalAdvance(header)) + 16);
     m_fileTable->setDragDropMode(QAbstractItemView::DragDrop);
     m_fileTable->setDefaultDropAction(Qt::MoveAction);
     m_fileTable->setDropIndicatorShown(true);
