@@ -825,14 +825,18 @@ private slots:
     void cancelStopsAfterCurrentFile_data()
     {
         QTest::addColumn<bool>("exporting");
-        QTest::newRow("adding three files") << false;
-        QTest::newRow("exporting three files") << true;
+        QTest::addColumn<bool>("rereading");
+        QTest::newRow("adding three files") << false << false;
+        QTest::newRow("exporting three files") << true << false;
+        QTest::newRow("reading three files again") << false << true;
     }
     void cancelStopsAfterCurrentFile()
     {
         QFETCH(bool, exporting);
+        QFETCH(bool, rereading);
         MyDocument *doc = m_window->document();
-        if (exporting) addThreeFiles();
+        if (exporting || rereading) addThreeFiles();
+        const QList<LocFilePtr> before = doc->files();
         doc->updateChangeCount(MyDocument::ChangeCleared);
         // Cancel pressed in the panel while the first file is done.
         int reported = 0;
@@ -845,7 +849,11 @@ private slots:
             QCOMPARE(panel->labelText(), QStringLiteral("File %1 of 3: A.strings").arg(done));
             if (done == 1) panel->findChild<QPushButton *>()->click();
         });
-        if (exporting) {
+        if (rereading) {
+            QVERIFY(!doc->rereadFiles());
+            QCOMPARE(doc->files(), before);  // the same files, not half of them read again
+            QVERIFY(!doc->isDocumentEdited());
+        } else if (exporting) {
             const QString out = m_box->path(QStringLiteral("out"));
             QVERIFY(QDir().mkpath(out));
             const ExportResult result = doc->makeLocalizedFilesInto(doc->files(), out, true);
@@ -868,7 +876,8 @@ private slots:
         QVERIFY(!m_window->progressPanel()->dialog());
         // The next run is not stopped by the last one's Cancel.
         disconnect(doc, &MyDocument::progress, this, nullptr);
-        if (!exporting) addThreeFiles();
+        if (rereading) QVERIFY(doc->rereadFiles() && doc->files().first() != before.first());
+        else if (!exporting) addThreeFiles();
     }
 
 private:
