@@ -8,6 +8,7 @@
 #include <QEventLoop>
 #include <algorithm>
 #include <QFileInfo>
+#include <QStringMatcher>
 #include <QTimer>
 
 MyDocument::MyDocument(QObject *parent) : QObject(parent)
@@ -180,9 +181,14 @@ QList<LocEntryPtr> MyDocument::sameBaseWordEntries(const LocEntry &entry) const
     const OptString base = entry.baseWord();
     const OptString word = entry.localizedWord();
     if (!base || base->isEmpty() || !word || word->isEmpty()) return same;
+    // A base word is cut out of its entry's text as it stands there: an entry whose text does not
+    // hold it cannot have it, and most are left out without cutting a word.
+    const QStringMatcher holdsBase(*base);
     for (const LocFilePtr &file : m_files)
         for (const LocEntryPtr &e : file->allEntries())
-            if (e.get() != &entry && !e->isChecked() && e->localizedWord() != word && e->baseWord() == base) same.append(e);
+            if (e.get() != &entry && !e->isChecked() && holdsBase.indexIn(e->entry()) >= 0 && e->baseWord() == base
+                && e->localizedWord() != word)
+                same.append(e);
     return same;
 }
 
