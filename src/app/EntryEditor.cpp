@@ -78,6 +78,8 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
 
     connect(m_entryField, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loading || !m_entry) return;
+        // Underlining misspelt words announces a change of the text too; it is none.
+        if (!m_dirty && m_entryField->toPlainText() == wordOrEmpty(m_entry->localizedWord())) return;
         m_dirty = true;
         m_document->update();  // every edit of a localized word marks the document changed
         updateProblems();
@@ -128,7 +130,7 @@ bool EntryEditor::commit(const QString &actionName)
 {
     if (!m_dirty || !m_entry) return false;
     m_dirty = false;
-    // Highlighting again (another spelling language) announces a change of the text too.
+    // Typed back to the word it was: nothing to write.
     if (m_entryField->toPlainText() == wordOrEmpty(m_entry->localizedWord())) return false;
     emit entryAboutToChange(m_entry, actionName.isEmpty() ? tr("Typing") : actionName);
     m_entry->setLocalizedWord(m_entryField->toPlainText());

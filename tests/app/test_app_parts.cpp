@@ -210,6 +210,9 @@ private slots:
         QCOMPARE(underlined(), QStringList{QStringLiteral("mondee")});
         editor.setContinuousSpellCheckingEnabled(false);
         QVERIFY(underlined().isEmpty());
+        // Underlining is no edit: nothing to write, the document unchanged.
+        QVERIFY(!editor.commit());
+        QVERIFY(!document.isDocumentEdited());
     }
 
     void editorShowsPreviousBaseWord()
