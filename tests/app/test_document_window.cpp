@@ -432,6 +432,13 @@ private slots:
         m_window->selectFileRows({fileRow(QStringLiteral("Good.strings"))});
         m_window->selectEntryRow(0);
         QCOMPARE(m_window->entryEditor()->commentLabel()->text(), QStringLiteral("Preferences -> Transfers -> Magnet tooltip"));
+
+        // Added without a command of the window (a drop): one report too, once the adding is over.
+        const QString broken3 = m_box->write(QStringLiteral("d/Broken3.strings"), "\"a\" = \"1\"\n");
+        doc()->addFiles(QList<QPair<QString, OptString>>{{broken3, std::nullopt}, {credits, std::nullopt}});
+        QCOMPARE(m_dialogs.alerts().size(), alertsBefore);
+        QTRY_COMPARE(m_dialogs.alerts().size(), alertsBefore + 1);
+        QVERIFY(m_dialogs.alerts().last().message.contains(S("Broken3.strings")) && m_dialogs.alerts().last().message.contains(S("Credits.rtf")));
     }
     void newWindowShowsDefaultToolbar()
     {
