@@ -59,17 +59,39 @@ void FileTableModel::reload()
     m_files = m_document->files();
     m_names = shownNames(m_files);
     m_summaries.clear();
+    m_counted.clear();
+    m_changed.clear();  // their files may be gone, and they with them
     m_quality.clear();
     endResetModel();
 }
 
-void FileTableModel::refreshStatus()
+void FileTableModel::refreshStatus(const LocEntry *changed)
 {
-    if (m_refreshPending || m_files.isEmpty()) return;
+    if (m_files.isEmpty()) return;
+    if (changed && m_counted.contains(changed)) m_changed.append(changed);
+    else m_changedUnknown = true;
+    if (m_refreshPending) return;
     m_refreshPending = true;
     QTimer::singleShot(0, this, [this] {
         m_refreshPending = false;
-        m_summaries.clear();
+        if (std::exchange(m_changedUnknown, false) || m_changed.size() > 1000) {
+            m_summaries.clear();
+            m_counted.clear();
+        } else {
+            for (const LocEntry *entry : std::as_const(m_changed)) {
+                Counted &counted = m_counted[entry];
+                const Qa::Severity now = m_quality.severity(*entry);
+                const auto sum = m_summaries.find(counted.file);
+                if (sum != m_summaries.end() && now != counted.severity) {
+                    if (counted.severity == Qa::Severity::Error) --sum->errors;
+                    else if (counted.severity == Qa::Severity::Warning) --sum->warnings;
+                    if (now == Qa::Severity::Error) ++sum->errors;
+                    else if (now == Qa::Severity::Warning) ++sum->warnings;
+                }
+                counted.severity = now;
+            }
+        }
+        m_changed.clear();
         if (!m_files.isEmpty()) emit dataChanged(index(0, 0), index(int(m_files.size()) - 1, ColumnCount - 1));
     });
 }
@@ -144,7 +166,15 @@ Qa::FileSummary FileTableModel::summary(const LocFile &file) const
 {
     const auto found = m_summaries.constFind(&file);
     if (found != m_summaries.cend()) return *found;
-    return *m_summaries.insert(&file, m_quality.summary(file));
+    Qa::FileSummary sum;
+    m_counted.reserve(m_counted.size() + file.allEntries().size());
+    for (const LocEntryPtr &e : file.allEntries()) {
+        const Qa::Severity severity = m_quality.severity(*e);
+        m_counted.insert(e.get(), {&file, severity});
+        if (severity == Qa::Severity::Error) ++sum.errors;
+        else if (severity == Qa::Severity::Warning) ++sum.warnings;
+    }
+    return *m_summaries.insert(&file, sum);
 }
 
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const

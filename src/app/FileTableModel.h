@@ -44,8 +44,8 @@ public:
     static QStringList acceptedPaths(const QMimeData *data);
 
 public slots:
-    // Status and colour of every row read again (an entry's check mark changed).
-    void refreshStatus();
+    // Status and colour of every row read again (an entry's check mark changed; none: any entry).
+    void refreshStatus(const LocEntry *changed = nullptr);
     // The found column read again (a search ran, an entry left the shown list).
     void refreshFound();
 
@@ -61,4 +61,13 @@ private:
     Qa::FileSummary summary(const LocFile &file) const;
     mutable Qa::QualityCache m_quality;
     mutable QHash<const LocFile *, Qa::FileSummary> m_summaries;
+    // What each entry counts for in its file's summary, so that a changed entry updates the sum
+    // instead of every entry of the file being looked at again.
+    struct Counted {
+        const LocFile *file;
+        Qa::Severity severity;
+    };
+    mutable QHash<const LocEntry *, Counted> m_counted;
+    QList<const LocEntry *> m_changed;  // since the last repaint
+    bool m_changedUnknown = false;      // an entry no summary counts, or any entry
 };

@@ -686,6 +686,12 @@ private slots:
         QVERIFY(editor->commit());
         QCOMPARE(icon(S("files")), QIcon().cacheKey());
         QTRY_COMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), warning);
+        QVERIFY(!files()->index(0, 0).data(Qt::ToolTipRole).toString().contains(S("error")));
+        // The file's count follows the one entry both ways, without its other entries read again.
+        editor->entryField()->setPlainText(S("fichiers"));
+        QVERIFY(editor->commit());
+        QTRY_COMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), error);
+        QVERIFY(files()->index(0, 0).data(Qt::ToolTipRole).toString().contains(S("1 entry with an error")));
     }
     void languageChangesOnlyOnPurpose_data()
     {
