@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Takes docs/screenshot-drawer.png (the document window with the Files drawer open, on the sample
-# bundle translated with its previous release) and docs/screenshot-customize.png (the toolbar's
+# bundle translated with its previous release), docs/screenshot-todo.png (only the entries to do,
+# counted per file, after two Find Next) and docs/screenshot-customize.png (the toolbar's
 # customize dialog over it), from the build tree, on a virtual X screen without a window manager.
 # Needs xvfb, xdotool and imagemagick.
 set -euo pipefail
@@ -24,6 +25,14 @@ xdotool mousemove 640 400 click 1
 xdotool mousemove 80 131 click 1
 sleep 1
 import -window root docs/screenshot-drawer.png
+# The work left across files, counted per file, and Find Next walking it.
+xdotool key ctrl+shift+t
+sleep 1
+xdotool key ctrl+g ctrl+g
+sleep 1
+import -window root docs/screenshot-todo.png
+xdotool key ctrl+shift+t
+sleep 1
 xdotool key alt+v
 sleep 1
 xdotool key Down Return
@@ -31,4 +40,4 @@ sleep 2
 import -window root docs/screenshot-customize.png
 kill "$pid"
 SCREEN
-echo "screenshots: docs/screenshot-drawer.png docs/screenshot-customize.png"
+echo "screenshots: docs/screenshot-drawer.png docs/screenshot-todo.png docs/screenshot-customize.png"

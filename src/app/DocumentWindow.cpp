@@ -7,6 +7,7 @@
 #include "FileTableMenu.h"
 #include "FileTableModel.h"
 #include "FilesDrawer.h"
+#include "GatheredSheets.h"
 #include "LanguageComboBox.h"
 #include "MyDocument.h"
 #include "ProgressPanel.h"
@@ -49,19 +50,19 @@ QTableView *makeTable(QAbstractItemModel *model, const QString &name, QWidget *p
 }  // namespace
 
 DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
-    : QMainWindow(parent), m_document(document), m_qtDialogs(std::make_unique<QtDialogs>(this))
+    : QMainWindow(parent), m_document(document), m_qtDialogs(std::make_unique<QtDialogs>(this)),
+      m_sheets(std::make_unique<GatheredSheets>())
 {
     document->setParent(this);
     setObjectName(MyDocument::windowNibName());
     setAttribute(Qt::WA_DeleteOnClose);
-    m_dialogs = m_qtDialogs.get();
-    m_savePanel = m_qtDialogs.get();
-    document->setDialogs(m_dialogs);
+    setDialogs(nullptr, nullptr);
 
     m_fileModel = new FileTableModel(document, this);
     m_entryModel = new EntryTableModel(document, this);
     m_undo = new DocumentUndo(document, this);
     m_progressPanel = new ProgressPanel(document, this);
+    m_sheets->setAroundQuestions([this](bool asking) { asking ? m_progressPanel->pause() : m_progressPanel->resume(); });
     buildLayout();
     m_dictPanel = new DictPanel(document, m_entryEditor, this);
     addDockWidget(Qt::RightDockWidgetArea, m_dictPanel);
@@ -82,7 +83,7 @@ DocumentWindow::DocumentWindow(MyDocument *document, QWidget *parent)
     restoreFileSelection();
     validateItems();
     updateWindowTitle();
-    updateSummary();
+    showSearchState();
     document->resetDictionaryPath();
     if (!WindowFrame::restore(this, MyDocument::windowNibName())) resize(1120, 700);
 }
@@ -99,12 +100,13 @@ void DocumentWindow::setDialogs(Dialogs *dialogs, SavePanel *savePanel)
 {
     m_dialogs = dialogs ? dialogs : m_qtDialogs.get();
     m_savePanel = savePanel ? savePanel : m_qtDialogs.get();
-    m_document->setDialogs(m_dialogs);
+    m_sheets->setTarget(m_dialogs);
+    m_document->setDialogs(m_sheets.get());
 }
 
 Dialogs &DocumentWindow::dialogs() const
 {
-    return *m_dialogs;
+    return *m_sheets;
 }
 
 SavePanel &DocumentWindow::savePanel() const
@@ -137,6 +139,7 @@ void DocumentWindow::buildLayout()
     m_busyIndicator->setRange(0, 0);
     m_busyIndicator->hide();
     statusBar()->addPermanentWidget(m_busyIndicator);
+    statusBar()->addPermanentWidget(buildSameTranslationOffer());
     m_summary = new QLabel(this);
     m_summary->setObjectName(QStringLiteral("summary"));
     statusBar()->addPermanentWidget(m_summary);
@@ -147,6 +150,12 @@ QWidget *DocumentWindow::buildFilePane()
     m_fileTable = makeTable(m_fileModel, QStringLiteral("fileTable"), this);
     m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::NameColumn, QHeaderView::Stretch);
     m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::StatusColumn, QHeaderView::ResizeToContents);
+    // A fixed width: sized to its contents, every search keystroke measured every row's status.
+    const QFontMetrics metrics = m_fileTable->fontMetrics();
+    const QString header = m_fileModel->headerData(FileTableModel::FoundColumn, Qt::Horizontal, Qt::DisplayRole).toString();
+    m_fileTable->horizontalHeader()->setSectionResizeMode(FileTableModel::FoundColumn, QHeaderView::Fixed);
+    m_fileTable->horizontalHeader()->resizeSection(
+        FileTableModel::FoundColumn, std::max(metrics.horizontalAdvance(QStringLiteral("000000")), metrics.horizontalAdvance(header)) + 16);
     m_fileTable->setDragDropMode(QAbstractItemView::DragDrop);
     m_fileTable->setDefaultDropAction(Qt::MoveAction);
     m_fileTable->setDropIndicatorShown(true);
@@ -173,6 +182,13 @@ QWidget *DocumentWindow::buildEntryPane()
 
     m_entryEditor = new EntryEditor(m_document, this);
     connect(m_entryEditor, &EntryEditor::committed, m_entryModel, &EntryTableModel::entryChanged);
+    // The editor commits before it shows another entry: the one it holds is the committed one.
+    connect(m_entryEditor, &EntryEditor::committed, this, [this](const LocEntry *entry) {
+        if (m_entryEditor->entry().get() == entry) offerSameTranslation(m_entryEditor->entry());
+    });
+    connect(m_entryModel, &EntryTableModel::wordCommitted, this, &DocumentWindow::offerSameTranslation);
+    // Files read again or removed: the offered word may belong to entries no longer there.
+    connect(m_document, &MyDocument::filesChanged, this, [this] { offerSameTranslation(nullptr); });
     connect(m_entryEditor, &EntryEditor::statusMessage, this, [this](const QString &text) { statusBar()->showMessage(text); });
     connect(m_entryEditor, &EntryEditor::checkAndNextRequested, this, &DocumentWindow::checkLocalized);
     connect(m_entryEditor, &EntryEditor::continuousSpellCheckingChanged, this,
@@ -197,13 +213,7 @@ void DocumentWindow::wireDocument()
     connect(m_entryEditor, &EntryEditor::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
     connect(m_entryModel, &EntryTableModel::entryAboutToChange, m_undo, begin);
     connect(m_entryModel, &EntryTableModel::entryChangeEnded, m_undo, &DocumentUndo::endEntryChange);
-    connect(m_undo, &DocumentUndo::stepApplied, this, [this] {
-        if (const int rows = m_entryModel->rowCount())
-            emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
-        const LocEntryPtr shown = m_entryEditor->entry();
-        m_entryEditor->setEntry(nullptr);
-        m_entryEditor->setEntry(shown);
-    });
+    connect(m_undo, &DocumentUndo::stepApplied, this, &DocumentWindow::showEntriesAgain);
     connect(doc, &MyDocument::titleChanged, this, [this] {
         if (m_titleField->text() != m_document->title()) m_titleField->setText(m_document->title());
     });
@@ -222,8 +232,15 @@ void DocumentWindow::wireDocument()
     connect(doc, &MyDocument::documentEditedChanged, this, &DocumentWindow::validateItems);
     // The file table repaints its rows once per pass of the event loop; the summary with it.
     connect(m_fileModel, &QAbstractItemModel::dataChanged, this, &DocumentWindow::updateSummary);
-    connect(m_fileModel, &QAbstractItemModel::modelReset, this, &DocumentWindow::updateSummary);
+    connect(m_fileModel, &QAbstractItemModel::modelReset, this, &DocumentWindow::showSearchState);
+    connect(doc, &MyDocument::searchPerformed, this, &DocumentWindow::showSearchState);
     connect(doc, &MyDocument::loadingFilesChanged, this, [this](bool on) {
+        // Adding or export, from a command of this window or a drop: what they report, and what
+        // they report right after (files not added, not written), is shown as one report.
+        // A command of this window holds them until it ends; a drop until this pass is over.
+        if (on) m_sheets->begin();
+        else if (m_sheets->depth() > 1) m_sheets->end();
+        else QTimer::singleShot(0, this, [this] { m_sheets->end(); });
         m_busyIndicator->setRange(0, 0);
         m_busyIndicator->setVisible(on);
         if (on) statusBar()->clearMessage();
@@ -356,7 +373,18 @@ void DocumentWindow::updateSearchResult(LocEntry *entry)
 void DocumentWindow::removeCurrentEntryFromSearchResult(const LocFilePtr &file, const LocEntry *entry)
 {
     if (file) file->hideEntry(entry);
+    m_fileModel->refreshFound();
     m_entryEditor->focusEditor();
+}
+
+// Words changed behind the table and the editor (undo, a word given to several entries).
+void DocumentWindow::showEntriesAgain()
+{
+    if (const int rows = m_entryModel->rowCount())
+        emit m_entryModel->dataChanged(m_entryModel->index(0, 0), m_entryModel->index(rows - 1, EntryTableModel::ColumnCount - 1));
+    const LocEntryPtr shown = m_entryEditor->entry();
+    m_entryEditor->setEntry(nullptr);
+    m_entryEditor->setEntry(shown);
 }
 
 void DocumentWindow::updateSpellLanguage()
@@ -381,5 +409,11 @@ void DocumentWindow::updateSummary()
         all += f->allEntries().size();
     }
     const QString files = countedText(m_document->files().size(), tr("1 file"), tr("%1 files"));
-    m_summary->setText(tr("%1, %2 of %3 entries checked").arg(files).arg(checked).arg(all));
+    QString text = tr("%1, %2 of %3 entries checked").arg(files).arg(checked).arg(all);
+    if (m_document->isSearching()) {
+        qsizetype found = 0;
+        for (const LocFilePtr &f : m_document->files()) found += f->entries().size();
+        text = countedText(found, tr("1 entry found"), tr("%1 entries found")) + QStringLiteral("; ") + text;
+    }
+    m_summary->setText(text);
 }

@@ -4,7 +4,9 @@
 // indicator. The window lays out and wires; the commands themselves are the document's.
 //
 // Sources: DocumentWindow.cpp (layout, wiring, selection), DocumentWindowCommands.cpp (toolbar,
-// menus, commands), DocumentWindowFile.cpp (save, save as, revert, the close question).
+// menus, commands), DocumentWindowFile.cpp (save, save as, revert, the close question),
+// DocumentWindowLanguages.cpp (the language pair), DocumentWindowWork.cpp (finding the work,
+// one translation for the same base words).
 
 #include "LocFile.h"
 
@@ -22,6 +24,7 @@ class EntryTableModel;
 class FileTableMenu;
 class FileTableModel;
 class FilesDrawer;
+class GatheredSheets;
 class LanguageComboBox;
 class MyDocument;
 class QLabel;
@@ -89,6 +92,17 @@ public:
     void showDictionaryBrowser();
     void readNibAndStringsFile();
 
+    // ---- Finding the work (DocumentWindowWork.cpp)
+    // The shown entry after / before the current one; past a file's end, the first / last shown
+    // entry of the next / previous file that shows any, in table order, wrapping.
+    void findNext();
+    void findPrevious();
+    // The word last committed (else the current entry's) for the other unchecked entries of the
+    // document with its base word: they take it unchecked, as one undo step.
+    void useSameTranslation();
+    // Shown in the status bar while a committed word fits other entries: the offer to use it.
+    QWidget *sameTranslationOffer() const { return m_offer; }
+
     // ---- The document framework (DocumentWindowFile.cpp)
     bool save();
     bool saveAs();
@@ -127,13 +141,19 @@ private:
     void updateWindowTitle();
     void updateSummary();
     void updateSpellLanguage();
+    void showEntriesAgain();
     void showCurrentFile();
     void restoreFileSelection();
     void restoreEntrySelection();
     // DocumentWindowLanguages.cpp
-    bool confirmLanguageChange(bool base, int tag);
+    bool confirmLanguageChange(bool base, int tag, bool *reread);
     void chooseLanguage(bool base, int tag);
     bool selectNextUncheckedFile();
+    // DocumentWindowWork.cpp
+    void findStep(int step);
+    QWidget *buildSameTranslationOffer();
+    void offerSameTranslation(const LocEntryPtr &entry);
+    void showSearchState();
     void updateSearchResult(LocEntry *entry);
     void removeCurrentEntryFromSearchResult(const LocFilePtr &file, const LocEntry *entry);
     bool writeTo(const QString &path);
@@ -142,6 +162,7 @@ private:
 
     MyDocument *m_document;
     std::unique_ptr<QtDialogs> m_qtDialogs;
+    std::unique_ptr<GatheredSheets> m_sheets;  // what the document and the commands show
     Dialogs *m_dialogs = nullptr;
     SavePanel *m_savePanel = nullptr;
 
@@ -166,6 +187,9 @@ private:
     ProgressPanel *m_progressPanel = nullptr;
     QHash<QString, QAction *> m_menuActions;
     QSet<const LocFile *> m_reportedFiles;
+    QWidget *m_offer = nullptr;
+    QLabel *m_offerText = nullptr;
+    LocEntryPtr m_offerEntry;  // whose word the offer would give
 
     // Kept across a rebuild of a list, to select the same objects again.
     QList<const LocFile *> m_filesBeforeReset;

@@ -13,6 +13,7 @@
 #include "ToolbarController.h"
 #include "ToolbarIcons.h"
 #include "FilesDrawer.h"
+#include "GatheredSheets.h"
 #include "UiText.h"
 
 #include <QApplication>
@@ -162,6 +163,12 @@ void DocumentWindow::makeMenus()
         m_searchField->setFocus(Qt::ShortcutFocusReason);
         m_searchField->selectAll();
     });
+    add(edit, QStringLiteral("FindNext"), tr("Find Nex&t"), QKeySequence(Qt::CTRL | Qt::Key_G), &DocumentWindow::findNext)
+        ->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_G), QKeySequence(Qt::Key_F3)});
+    add(edit, QStringLiteral("FindPrevious"), tr("Find Pre&vious"), QKeySequence(), &DocumentWindow::findPrevious)
+        ->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G), QKeySequence(Qt::SHIFT | Qt::Key_F3)});
+    add(edit, QStringLiteral("SameTranslation"), tr("&Use Word for Same Base Words"), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_U),
+        &DocumentWindow::useSameTranslation);
     edit->addAction(m_entryEditor->spellingAction());
     edit->addSeparator();
     edit->addAction(m_toolbarItems.value(QStringLiteral("Delete")));
@@ -185,6 +192,16 @@ void DocumentWindow::makeMenus()
     changed->setCheckable(true);
     connect(changed, &QAction::toggled, this, [this](bool on) { m_document->setShowOnlyChangedBase(on); });
     m_menuActions.insert(QStringLiteral("OnlyChangedBase"), changed);
+    // What is left to do across all files: unchecked, or checked while still the base word.
+    QAction *toDo = view->addAction(tr("Only Entries &to Do"));
+    toDo->setObjectName(QStringLiteral("onlyToDoAction"));
+    toDo->setCheckable(true);
+    toDo->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    connect(toDo, &QAction::toggled, this, [this](bool on) {
+        m_entryEditor->commit();
+        m_document->setShowOnlyToDo(on);
+    });
+    m_menuActions.insert(QStringLiteral("OnlyToDo"), toDo);
 
     QMenu *dictionary = menuBar()->addMenu(tr("&Dictionary"));
     add(dictionary, QStringLiteral("ShowDictionaryBrowser"), tr("Show Dictionary &Browser"),
@@ -210,6 +227,7 @@ void DocumentWindow::validateItems()
 
 void DocumentWindow::addNewFile()
 {
+    GatheredSheets::Scope gather(*m_sheets);
     m_entryEditor->commit();
     const qsizetype before = m_document->files().size();
     m_document->addNewFile();
@@ -235,6 +253,7 @@ void DocumentWindow::reportWarnings(const QString &title, const QStringList &war
     alert.title = title;
     alert.message = warnings.join(QLatin1String("\n\n"));
     alert.style = AlertStyle::Warning;
+    alert.copyable = true;
     dialogs().showAlertSheet(alert);
 }
 
@@ -263,6 +282,7 @@ QHash<const LocFile *, qsizetype> warningCounts(const QList<LocFilePtr> &files)
 
 void DocumentWindow::exportSelectedFiles()
 {
+    GatheredSheets::Scope gather(*m_sheets);
     m_entryEditor->commit();
     const auto before = warningCounts(m_document->files());
     const ExportResult result = m_document->makeLocalizedFilesAction(selectedFiles());
@@ -274,6 +294,7 @@ void DocumentWindow::exportSelectedFiles()
 
 void DocumentWindow::exportAllFiles()
 {
+    GatheredSheets::Scope gather(*m_sheets);
     m_entryEditor->commit();
     const auto before = warningCounts(m_document->files());
     const ExportResult result = m_document->makeAllLocalizedFilesAction();
@@ -344,6 +365,7 @@ void DocumentWindow::checkLocalized()
 // originals), for a nib no tool can read.
 void DocumentWindow::readNibAndStringsFile()
 {
+    GatheredSheets::Scope gather(*m_sheets);
     m_entryEditor->commit();
     if (m_document->readNibAndStringsFile()) statusBar()->showMessage(tr("1 file added."), 5000);
 }

@@ -7,6 +7,7 @@
 #include "EntryEditor.h"
 #include "EntryTableModel.h"
 #include "FileTableModel.h"
+#include "GatheredSheets.h"
 #include "LanguageComboBox.h"
 #include "Languages.h"
 #include "MyDocument.h"
@@ -22,9 +23,11 @@ QString languageName(int tag)
 }  // namespace
 
 // A document's entries were filled for its pair: another pair is taken only when the user says
-// so, and a pair of one language is no pair at all.
-bool DocumentWindow::confirmLanguageChange(bool base, int tag)
+// so, and a pair of one language is no pair at all. `reread` tells whether the files are to be
+// read again for the new pair.
+bool DocumentWindow::confirmLanguageChange(bool base, int tag, bool *reread)
 {
+    *reread = false;
     const int current = base ? m_document->locLangFrom() : m_document->locLangTo();
     const int other = base ? m_document->locLangTo() : m_document->locLangFrom();
     if (tag == current) return false;
@@ -40,22 +43,31 @@ bool DocumentWindow::confirmLanguageChange(bool base, int tag)
     if (!holdsEntries) return true;
     alert.title = base ? tr("Change the base language from %1 to %2?") : tr("Change the target language from %1 to %2?");
     alert.title = alert.title.arg(languageName(current), languageName(tag));
-    alert.message = tr("The words and check marks of this document were made for %1 to %2. They stay as they are: "
-                       "check them again before you export, or add the files anew for the new pair.")
+    alert.message = tr("The words and check marks of this document were made for %1 to %2.\n\n"
+                       "Re-read Files reads every file again for the new pair and fills in what its dictionary "
+                       "knows; the words typed for %2 leave the document (this cannot be undone).\n\n"
+                       "Change Only keeps the words and check marks as they are: check them again before you export.")
                         .arg(languageName(m_document->locLangFrom()), languageName(m_document->locLangTo()));
-    alert.buttons = QStringList{tr("Change Language"), tr("Cancel")};
-    return dialogs().runAlert(alert) == 0;
+    alert.buttons = QStringList{tr("Re-read Files"), tr("Change Only"), tr("Cancel")};
+    const int answer = dialogs().runAlert(alert);
+    *reread = answer == 0;
+    return answer == 0 || answer == 1;
 }
 
 void DocumentWindow::chooseLanguage(bool base, int tag)
 {
     LanguageComboBox *popup = base ? m_languageFromPp : m_languageToPp;
-    if (!confirmLanguageChange(base, tag)) {
+    bool reread = false;
+    if (!confirmLanguageChange(base, tag, &reread)) {
         popup->ppSelectItemWithTag(base ? m_document->locLangFrom() : m_document->locLangTo());
         m_entryEditor->focusEditor();
         return;
     }
+    GatheredSheets::Scope gather(*m_sheets);
+    m_entryEditor->commit();
     m_undo->setLanguage(base, tag);
+    // Stopped half-way, the files are as they were: so is the pair they were made for.
+    if (reread && !m_document->rereadFiles()) m_undo->undo();
     m_entryEditor->focusEditor();
 }
 

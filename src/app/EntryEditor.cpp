@@ -15,6 +15,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextBlock>
+#include <QTextCursor>
 #include <QVBoxLayout>
 
 using StringUtility::wordOrEmpty;
@@ -77,6 +78,8 @@ EntryEditor::EntryEditor(MyDocument *document, QWidget *parent) : QWidget(parent
 
     connect(m_entryField, &QPlainTextEdit::textChanged, this, [this] {
         if (m_loading || !m_entry) return;
+        // Underlining misspelt words announces a change of the text too; it is none.
+        if (!m_dirty && m_entryField->toPlainText() == wordOrEmpty(m_entry->localizedWord())) return;
         m_dirty = true;
         m_document->update();  // every edit of a localized word marks the document changed
         updateProblems();
@@ -123,15 +126,29 @@ void EntryEditor::setEntry(const LocEntryPtr &entry)
     refreshCheck();
 }
 
-bool EntryEditor::commit()
+bool EntryEditor::commit(const QString &actionName)
 {
     if (!m_dirty || !m_entry) return false;
     m_dirty = false;
-    emit entryAboutToChange(m_entry, tr("Typing"));
+    // Typed back to the word it was: nothing to write.
+    if (m_entryField->toPlainText() == wordOrEmpty(m_entry->localizedWord())) return false;
+    emit entryAboutToChange(m_entry, actionName.isEmpty() ? tr("Typing") : actionName);
     m_entry->setLocalizedWord(m_entryField->toPlainText());
     emit entryChangeEnded();
     emit committed(m_entry.get());
     return true;
+}
+
+void EntryEditor::insertWord(const QString &word, const QString &actionName)
+{
+    if (!m_entry || !m_entryField->isEnabled() || m_entryField->isReadOnly()) return;
+    commit();  // what was typed before is a step of its own
+    QTextCursor cursor(m_entryField->document());
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(word);
+    cursor.endEditBlock();
+    commit(actionName);
 }
 
 void EntryEditor::refreshCheck()

@@ -29,8 +29,13 @@ public:
     // Shows an entry (none: an empty, disabled editor), after committing the one shown before.
     void setEntry(const LocEntryPtr &entry);
     const LocEntryPtr &entry() const { return m_entry; }
-    // Writes the edited text into the entry; true when there was an edit to write.
-    bool commit();
+    // Writes the edited text into the entry; true when there was an edit to write. The undo step
+    // is named `actionName` ("Typing" when empty).
+    bool commit(const QString &actionName = QString());
+    // Replaces the word by `word` and writes it into the entry at once, an undo step of its own
+    // (a pair taken from the dictionary); the editor's own undo brings back the text before.
+    // Nothing when no entry is being edited.
+    void insertWord(const QString &word, const QString &actionName);
     // Reads the check mark again (it may have been set elsewhere).
     void refreshCheck();
     // Gives the editor the focus with its whole text selected.

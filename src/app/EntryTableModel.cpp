@@ -129,6 +129,7 @@ bool EntryTableModel::setData(const QModelIndex &index, const QVariant &value, i
         m_document->update();
         // The check mark is announced before the text is rewritten: repaint with the new word.
         entryChanged(entry.get());
+        emit wordCommitted(entry);
         return true;
     }
     return false;

@@ -46,6 +46,8 @@ signals:
     // Around a change made in the table (a word, a mark), for undo.
     void entryAboutToChange(const LocEntryPtr &entry, const QString &actionName);
     void entryChangeEnded();
+    // A word typed in the table was written into its entry.
+    void wordCommitted(const LocEntryPtr &entry);
     // The shown list is about to be rebuilt / was rebuilt: the window keeps its selection.
     void entriesAboutToReset();
     void entriesReset();

@@ -24,6 +24,7 @@ FileTableModel::FileTableModel(MyDocument *document, QObject *parent)
     // Entries post their check marks one by one, thousands of them while a bundle is read:
     // the rows are repainted once per pass of the event loop, not once per entry.
     connect(document, &MyDocument::entryModified, this, &FileTableModel::refreshStatus);
+    connect(document, &MyDocument::searchPerformed, this, &FileTableModel::refreshFound);
 }
 
 // Two files of one name (Localizable.strings of the application and of a framework, or of two
@@ -58,19 +59,46 @@ void FileTableModel::reload()
     m_files = m_document->files();
     m_names = shownNames(m_files);
     m_summaries.clear();
+    m_counted.clear();
+    m_changed.clear();  // their files may be gone, and they with them
     m_quality.clear();
     endResetModel();
 }
 
-void FileTableModel::refreshStatus()
+void FileTableModel::refreshStatus(const LocEntry *changed)
 {
-    if (m_refreshPending || m_files.isEmpty()) return;
+    if (m_files.isEmpty()) return;
+    if (changed && m_counted.contains(changed)) m_changed.append(changed);
+    else m_changedUnknown = true;
+    if (m_refreshPending) return;
     m_refreshPending = true;
     QTimer::singleShot(0, this, [this] {
         m_refreshPending = false;
-        m_summaries.clear();
+        if (std::exchange(m_changedUnknown, false) || m_changed.size() > 1000) {
+            m_summaries.clear();
+            m_counted.clear();
+        } else {
+            for (const LocEntry *entry : std::as_const(m_changed)) {
+                Counted &counted = m_counted[entry];
+                const Qa::Severity now = m_quality.severity(*entry);
+                const auto sum = m_summaries.find(counted.file);
+                if (sum != m_summaries.end() && now != counted.severity) {
+                    if (counted.severity == Qa::Severity::Error) --sum->errors;
+                    else if (counted.severity == Qa::Severity::Warning) --sum->warnings;
+                    if (now == Qa::Severity::Error) ++sum->errors;
+                    else if (now == Qa::Severity::Warning) ++sum->warnings;
+                }
+                counted.severity = now;
+            }
+        }
+        m_changed.clear();
         if (!m_files.isEmpty()) emit dataChanged(index(0, 0), index(int(m_files.size()) - 1, ColumnCount - 1));
     });
+}
+
+void FileTableModel::refreshFound()
+{
+    if (!m_files.isEmpty()) emit dataChanged(index(0, FoundColumn), index(int(m_files.size()) - 1, FoundColumn), {Qt::DisplayRole});
 }
 
 LocFilePtr FileTableModel::fileAt(int row) const
@@ -101,6 +129,8 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     if (!file) return {};
     switch (role) {
     case Qt::DisplayRole:
+        if (index.column() == FoundColumn)
+            return m_document->isSearching() ? QVariant(int(file->entries().size())) : QVariant();
         return index.column() == NameColumn ? m_names.value(index.row(), file->fileName()) : file->status();
     case Qt::ForegroundRole:
         if (file->color() == EntryColor::Red) return QBrush(Qt::red);
@@ -125,7 +155,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
         return lines.join(u'\n');
     }
     case Qt::TextAlignmentRole:
-        if (index.column() == StatusColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
+        if (index.column() != NameColumn) return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};
     default:
         return {};
@@ -136,12 +166,21 @@ Qa::FileSummary FileTableModel::summary(const LocFile &file) const
 {
     const auto found = m_summaries.constFind(&file);
     if (found != m_summaries.cend()) return *found;
-    return *m_summaries.insert(&file, m_quality.summary(file));
+    Qa::FileSummary sum;
+    m_counted.reserve(m_counted.size() + file.allEntries().size());
+    for (const LocEntryPtr &e : file.allEntries()) {
+        const Qa::Severity severity = m_quality.severity(*e);
+        m_counted.insert(e.get(), {&file, severity});
+        if (severity == Qa::Severity::Error) ++sum.errors;
+        else if (severity == Qa::Severity::Warning) ++sum.warnings;
+    }
+    return *m_summaries.insert(&file, sum);
 }
 
 QVariant FileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
+    if (section == FoundColumn) return tr("Found");
     return section == NameColumn ? tr("File") : tr("Status");
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 // The document's file table: one row per LocFile with its name and its status "checked/all",
-// red while an entry is unchecked, with an icon while an entry has an error (or a warning). Rows are reordered by dragging; files and bundles dropped
+// red while an entry is unchecked, with an icon while an entry has an error (or a warning); while
+// a search or filter narrows the entries, how many each file shows. Rows are reordered by
+// dragging; files and bundles dropped
 // from the file manager are handed to the document a moment later (so the drop is answered
 // before the document asks for previous versions).
 
@@ -14,7 +16,7 @@ class MyDocument;
 class FileTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    enum Column { NameColumn, StatusColumn, ColumnCount };
+    enum Column { NameColumn, StatusColumn, FoundColumn, ColumnCount };
     // The row drag's own type: row indexes plus the model's identity, so that only this table
     // takes its rows.
     static QString dragRowTypeName() { return QStringLiteral("application/x-vocabrix-file-rows"); }
@@ -42,8 +44,10 @@ public:
     static QStringList acceptedPaths(const QMimeData *data);
 
 public slots:
-    // Status and colour of every row read again (an entry's check mark changed).
-    void refreshStatus();
+    // Status and colour of every row read again (an entry's check mark changed; none: any entry).
+    void refreshStatus(const LocEntry *changed = nullptr);
+    // The found column read again (a search ran, an entry left the shown list).
+    void refreshFound();
 
     static QStringList shownNames(const QList<LocFilePtr> &files);
 
@@ -57,4 +61,13 @@ private:
     Qa::FileSummary summary(const LocFile &file) const;
     mutable Qa::QualityCache m_quality;
     mutable QHash<const LocFile *, Qa::FileSummary> m_summaries;
+    // What each entry counts for in its file's summary, so that a changed entry updates the sum
+    // instead of every entry of the file being looked at again.
+    struct Counted {
+        const LocFile *file;
+        Qa::Severity severity;
+    };
+    mutable QHash<const LocEntry *, Counted> m_counted;
+    QList<const LocEntry *> m_changed;  // since the last repaint
+    bool m_changedUnknown = false;      // an entry no summary counts, or any entry
 };

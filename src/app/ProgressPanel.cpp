@@ -15,11 +15,25 @@ ProgressPanel::ProgressPanel(MyDocument *document, QWidget *window)
 
 void ProgressPanel::loadingChanged(bool on)
 {
-    if (!on) {
-        delete m_dialog;
-        return;
-    }
-    if (m_dialog) return;
+    m_loading = on;
+    if (on) show();
+    else delete m_dialog;
+}
+
+void ProgressPanel::pause()
+{
+    ++m_paused;
+    delete m_dialog;
+}
+
+void ProgressPanel::resume()
+{
+    if (m_paused > 0 && --m_paused == 0 && m_loading) show();
+}
+
+void ProgressPanel::show()
+{
+    if (m_dialog || m_paused) return;
     m_dialog = new QProgressDialog(tr("Reading files\u2026"), tr("Cancel"), 0, 0, m_window);
     m_dialog->setObjectName(QStringLiteral("progressPanel"));
     m_dialog->setWindowTitle(tr("Working"));

@@ -18,13 +18,20 @@ public:
 
     // The panel of the work under way, if any.
     QProgressDialog *dialog() const { return m_dialog; }
+    // While the work asks something (a previous version, a folder), the panel steps aside: a
+    // window-modal panel shown over the question would block it.
+    void pause();
+    void resume();
 
 private:
     void loadingChanged(bool on);
     void advance(int done, int total);
+    void show();
 
     MyDocument *m_document;
     QString m_name;  // of the file at hand
     QWidget *m_window;
     QPointer<QProgressDialog> m_dialog;
+    bool m_loading = false;
+    int m_paused = 0;
 };

@@ -2,7 +2,10 @@
 
 #include "MyDocument.h"
 
+#include <QClipboard>
 #include <QDesktopServices>
+#include <QGuiApplication>
+#include <QLabel>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -75,6 +78,17 @@ void fillBox(QMessageBox &box, const Alert &alert, QList<QAbstractButton *> *but
     box.setInformativeText(alert.message);
     box.setTextFormat(Qt::PlainText);
     addButtons(box, alert.buttons, buttons);
+    // Names of files and folders are worth copying out of any alert.
+    for (const char *name : {"qt_msgbox_label", "qt_msgbox_informativelabel"})
+        if (auto *label = box.findChild<QLabel *>(QLatin1String(name)))
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    if (!alert.copyable) return;
+    QPushButton *copy = box.addButton(QObject::tr("Copy"), QMessageBox::ActionRole);
+    copy->setObjectName(QStringLiteral("copyReport"));
+    // Copying leaves the report open: the button does not end the box.
+    QObject::disconnect(copy, &QAbstractButton::clicked, nullptr, nullptr);
+    const QString text = alert.title + QLatin1String("\n\n") + alert.message;
+    QObject::connect(copy, &QAbstractButton::clicked, copy, [text] { QGuiApplication::clipboard()->setText(text); });
 }
 
 }  // namespace

@@ -28,6 +28,7 @@ struct Alert {
     QString message;      // plain text
     QStringList buttons;  // first = default button; empty: a single "OK"
     AlertStyle style = AlertStyle::Warning;
+    bool copyable = false;  // a report to keep: its text can be copied whole
 };
 
 class Dialogs {

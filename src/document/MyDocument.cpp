@@ -6,7 +6,9 @@
 #include "VXControllerModel.h"
 
 #include <QEventLoop>
+#include <algorithm>
 #include <QFileInfo>
+#include <QStringMatcher>
 #include <QTimer>
 
 MyDocument::MyDocument(QObject *parent) : QObject(parent)
@@ -63,7 +65,7 @@ void MyDocument::setFiles(const QList<LocFilePtr> &files)
 {
     m_files = files;
     // A search in force holds for files added or read again (Revert) as for the others.
-    if ((m_searchText && !m_searchText->isEmpty()) || m_onlyChangedBase) search(m_searchText);
+    if (isSearching()) search(m_searchText);
     emit filesChanged();
 }
 
@@ -127,12 +129,19 @@ void MyDocument::search(const OptString &text)
     m_searchText = text;
     for (const LocFilePtr &file : std::as_const(m_files)) {
         file->searchEntryWithKey(text);
-        if (!m_onlyChangedBase) continue;
+        if (!m_onlyChangedBase && !m_onlyToDo) continue;
         QList<LocEntryPtr> shown = file->entries();
-        shown.removeIf([](const LocEntryPtr &e) { return !e->previousBaseWord(); });
+        shown.removeIf([this](const LocEntryPtr &e) {
+            return (m_onlyChangedBase && !e->previousBaseWord()) || (m_onlyToDo && !isToDo(*e));
+        });
         file->setEntries(shown);
     }
     emit searchPerformed();
+}
+
+bool MyDocument::isSearching() const
+{
+    return (m_searchText && !m_searchText->isEmpty()) || m_onlyChangedBase || m_onlyToDo;
 }
 
 void MyDocument::setShowOnlyChangedBase(bool on)
@@ -142,6 +151,21 @@ void MyDocument::setShowOnlyChangedBase(bool on)
     search(m_searchText);
 }
 
+void MyDocument::setShowOnlyToDo(bool on)
+{
+    if (on == m_onlyToDo) return;
+    m_onlyToDo = on;
+    search(m_searchText);
+}
+
+bool MyDocument::isToDo(const LocEntry &entry)
+{
+    if (!entry.isChecked()) return true;
+    const OptString base = entry.baseWord();
+    if (!base || entry.localizedWord() != base) return false;
+    return std::any_of(base->cbegin(), base->cend(), [](QChar c) { return c.isLetter(); });
+}
+
 qsizetype MyDocument::changedBaseCount() const
 {
     qsizetype count = 0;
@@ -149,6 +173,34 @@ qsizetype MyDocument::changedBaseCount() const
         for (const LocEntryPtr &e : file->allEntries())
             if (e->previousBaseWord()) ++count;
     return count;
+}
+
+QList<LocEntryPtr> MyDocument::sameBaseWordEntries(const LocEntry &entry) const
+{
+    QList<LocEntryPtr> same;
+    const OptString base = entry.baseWord();
+    const OptString word = entry.localizedWord();
+    if (!base || base->isEmpty() || !word || word->isEmpty()) return same;
+    // A base word is cut out of its entry's text as it stands there: an entry whose text does not
+    // hold it cannot have it, and most are left out without cutting a word.
+    const QStringMatcher holdsBase(*base);
+    for (const LocFilePtr &file : m_files)
+        for (const LocEntryPtr &e : file->allEntries())
+            if (e.get() != &entry && !e->isChecked() && holdsBase.indexIn(e->entry()) >= 0 && e->baseWord() == base
+                && e->localizedWord() != word)
+                same.append(e);
+    return same;
+}
+
+void MyDocument::useSameTranslation(const LocEntry &entry, const QList<LocEntryPtr> &others)
+{
+    const OptString word = entry.localizedWord();
+    if (!word || others.isEmpty()) return;
+    for (const LocEntryPtr &e : others) {
+        e->setLocalizedWord(word);
+        e->setCheck(false);  // a new word checks the entry: this one the translator has not seen
+    }
+    update();
 }
 
 void MyDocument::switchButton(const LocEntryPtr &entry, bool check)

@@ -124,6 +124,19 @@ public:
     void setShowOnlyChangedBase(bool on);
     bool showsOnlyChangedBase() const { return m_onlyChangedBase; }
     qsizetype changedBaseCount() const;
+    // Shows only the work left (isToDo), within the search and beside the filter above.
+    void setShowOnlyToDo(bool on);
+    bool showsOnlyToDo() const { return m_onlyToDo; }
+    // Not yet confirmed, or still holding its base word where that word has letters to translate
+    // (a word a dictionary or a previous release filled unchanged, checked without a look).
+    static bool isToDo(const LocEntry &entry);
+    // A search text or one of the two filters narrows the shown entries.
+    bool isSearching() const;
+    // The other unchecked entries of the document with this entry's base word and another word:
+    // the ones its translation fits too.
+    QList<LocEntryPtr> sameBaseWordEntries(const LocEntry &entry) const;
+    // Gives them the entry's word, unchecked until the translator confirms each.
+    void useSameTranslation(const LocEntry &entry, const QList<LocEntryPtr> &others);
     // Check box of an entry: stores the mark, marks the document changed.
     void switchButton(const LocEntryPtr &entry, bool check);
     // Checks every given entry; does not mark the document changed. The window then selects the
@@ -186,6 +199,13 @@ public:
     // An interface file built from a localized and a base string table, each chosen in a panel.
     LocFilePtr readNibAndStringsFile();
     OptString selectPathAtPath(const OptString &startFolder, const QStringList &extensions, const QString &message);
+
+    // ---- Reading again (DocumentReread.cpp)
+    // Every file read again from its path for the document's language pair, filled from the
+    // pair's dictionary (for a new pair: no word of the old target language stays checked). A
+    // file that cannot be read keeps its entries, all unchecked, and is named in one sheet.
+    // Runs like adding (progress, stop); stopped, the files are as before and it returns false.
+    bool rereadFiles();
 
     // ---- Export (DocumentExport.cpp)
     // "Export": the files selected in the file table, in table order.
@@ -264,4 +284,5 @@ private:
     QString m_targetFolderChoice;
     QSet<const LocFile *> m_reading;
     bool m_onlyChangedBase = false;
+    bool m_onlyToDo = false;
 };

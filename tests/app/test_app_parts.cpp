@@ -30,6 +30,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QCompleter>
 #include <QFileDialog>
 #include <QLabel>
@@ -147,6 +148,17 @@ private slots:
         QCOMPARE(QString(moved.constData(), moved.size()), expected);
     }
 
+    void shownNames_data() { TestSupport::addTableRows("app", "shown-names.tsv", {"paths", "expected"}); }
+    void shownNames()
+    {
+        QFETCH(QString, paths);
+        QFETCH(QString, expected);
+        QList<LocFilePtr> files;
+        for (const QString &p : paths.split(u','))
+            files.append(LocFile::initWithPath(m_box->write(p, "\"k\" = \"v\";\n"), std::nullopt, std::nullopt));
+        QCOMPARE(FileTableModel::shownNames(files).join(u','), expected);
+    }
+
     void dictionaryNames_data() { TestSupport::addTableRows("app", "spelling-dictionaries.tsv", {"abbreviation", "available", "expected"}); }
     void dictionaryNames()
     {
@@ -198,6 +210,9 @@ private slots:
         QCOMPARE(underlined(), QStringList{QStringLiteral("mondee")});
         editor.setContinuousSpellCheckingEnabled(false);
         QVERIFY(underlined().isEmpty());
+        // Underlining is no edit: nothing to write, the document unchanged.
+        QVERIFY(!editor.commit());
+        QVERIFY(!document.isDocumentEdited());
     }
 
     void editorShowsPreviousBaseWord()
@@ -353,6 +368,25 @@ private slots:
                 if (b->text() == press) b->click();
         });
         QCOMPARE(dialogs.runAlert(alert), expected);
+    }
+
+    // A report is kept: its Copy button copies it whole and leaves it open.
+    void reportsCanBeCopied()
+    {
+        QtDialogs dialogs;
+        Alert report;
+        report.title = QStringLiteral("Some files need a look");
+        report.message = QStringLiteral("a.strings: line 2\nb.strings: line 7");
+        report.copyable = true;
+        dialogs.showAlertSheet(report);
+        QMessageBox *box = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (auto *b = qobject_cast<QMessageBox *>(w); b && b->isVisible() && b->text() == report.title) box = b;
+        QVERIFY(box);
+        box->findChild<QPushButton *>(QStringLiteral("copyReport"))->click();
+        QCOMPARE(QGuiApplication::clipboard()->text(), report.title + QLatin1String("\n\n") + report.message);
+        QVERIFY(box->isVisible());
+        box->close();
     }
 
     void openPanelChoosesBundles()

@@ -3,6 +3,8 @@
 #include "AppTestSupport.h"
 #include "CaseData.h"
 #include "CustomizeToolbarDialog.h"
+#include "DictionaryFiles.h"
+#include "DictPanel.h"
 #include "DocumentUndo.h"
 #include "DocumentWindow.h"
 #include "EntryEditor.h"
@@ -12,6 +14,7 @@
 #include "FilesDrawer.h"
 #include "Handlers.h"
 #include "LanguageComboBox.h"
+#include "Languages.h"
 #include "LocalizedText.h"
 #include "MyDocument.h"
 #include "ProblemList.h"
@@ -83,7 +86,15 @@ private slots:
         const QStringList fileCommands{QStringLiteral("Export"), QStringLiteral("ExportAll"), QStringLiteral("Delete")};
         QVERIFY(m_window->toolbarItem(QStringLiteral("AddFile"))->isEnabled());
         for (const QString &id : fileCommands) QVERIFY2(!m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
-        addFixture();
+        // The progress panel, window-modal, must not cover the previous-version panel: it would block it.
+        bool covered = true;
+        m_dialogs.panelFallback = [&](const OpenPanelOptions &) {
+            covered = m_window->progressPanel()->dialog() != nullptr;
+            return QStringList{m_previous};
+        };
+        m_dialogs.queuePanelAnswer(m_bundle);
+        m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
+        QVERIFY(!covered);
         for (const QString &id : fileCommands) QVERIFY2(m_window->toolbarItem(id)->isEnabled(), qPrintable(id));
         QCOMPARE(m_dialogs.panels().size(), 2);  // the files, then the bundle's previous release
         // Credits.rtf is not a resource; the table lists the two string tables.
@@ -198,6 +209,12 @@ private slots:
         QVERIFY(m_window->save());
         QCOMPARE(wordOrEmpty(entry->localizedWord()), QStringLiteral("Fermer"));
         QVERIFY(!doc()->isDocumentEdited());
+        // The text changed back to the word (or only highlighted again) is no step: nothing to write.
+        const int steps = m_window->undo()->stack()->count();
+        QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_X);
+        QTest::keyClick(m_window->entryEditor()->entryField(), Qt::Key_Backspace);
+        QVERIFY(!m_window->entryEditor()->commit());
+        QCOMPARE(m_window->undo()->stack()->count(), steps);
     }
     void checkAndNextMovesOn()
     {
@@ -264,6 +281,37 @@ private slots:
 
         Settings::instance().setValue(SettingsKey::IgnoreLocalizedWords, false);
         QCOMPARE(entries()->rowCount(), 3);
+    }
+    // The work left, across files: counted per file and in total, walked with Find Next and
+    // Find Previous from file to file and round.
+    void findingTheWork()
+    {
+        addThreeFiles();
+        doc()->files().at(0)->allEntries().first()->setLocalizedWord(S("Vau"));  // done: left out
+        QVERIFY(m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        m_window->menuAction(S("OnlyToDo"))->trigger();
+        QVERIFY(!m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        QStringList found;
+        for (int row = 0; row < 3; ++row) found.append(files()->index(row, FileTableModel::FoundColumn).data().toString());
+        QCOMPARE(found, names({"1", "2", "2"}));
+        QVERIFY(m_window->findChild<QLabel *>(S("summary"))->text().startsWith(S("5 entries found; ")));
+
+        m_window->selectFileRows({0});
+        const QList<std::pair<int, int>> walk{{1, 0}, {1, 1}, {2, 0}, {2, 1}, {0, 0}, {1, 0}};  // file, row
+        for (const auto &[file, row] : walk) {
+            m_window->findNext();
+            QCOMPARE(m_window->currentEntry(), files()->fileAt(file)->entries().at(row));
+        }
+        m_window->findPrevious();
+        QCOMPARE(m_window->currentEntry(), files()->fileAt(0)->entries().at(0));
+        m_window->findPrevious();
+        QCOMPARE(m_window->currentEntry(), files()->fileAt(2)->entries().at(1));
+        QCOMPARE(m_window->menuAction(S("FindNext"))->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_G));
+        QCOMPARE(m_window->menuAction(S("FindPrevious"))->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_G));
+
+        m_window->menuAction(S("OnlyToDo"))->trigger();
+        QVERIFY(m_window->fileTable()->isColumnHidden(FileTableModel::FoundColumn));
+        QVERIFY(!m_window->findChild<QLabel *>(S("summary"))->text().contains(S("found")));
     }
     void busyIndicatorFollowsLoading()
     {
@@ -365,11 +413,17 @@ private slots:
         const QString broken = m_box->write(QStringLiteral("a/Broken.strings"), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
         const QString good = m_box->write(QStringLiteral("b/Good.strings"),
                                                     "/* Preferences -> Transfers -> Magnet tooltip */\n\"magnet\" = \"Open magnets\";\n");
-        m_dialogs.queuePanelAnswer(broken);
+        const QString broken2 = m_box->write(QStringLiteral("c/Broken2.strings"), "\"a\" = \"1\"\n\"b\" = \"2\";\n");
+        const QString credits = m_box->write(QStringLiteral("c/Credits.rtf"), "{\\rtf1}");
+        // Two tables that break the grammar and a file of another kind: one report, which names all three.
+        m_dialogs.queuePanelAnswer(QStringList{broken, broken2, credits});
+        m_dialogs.queueAlertButton(2);  // no previous versions
         m_window->toolbarItem(QStringLiteral("AddFile"))->trigger();
-        QVERIFY(!m_dialogs.alerts().isEmpty());
-        QVERIFY2(m_dialogs.alerts().last().message.contains(QStringLiteral("breaks the string-table syntax at line 2")),
-                 qPrintable(m_dialogs.alerts().last().message));
+        QCOMPARE(m_dialogs.alerts().size(), 2);
+        const Alert report = m_dialogs.alerts().last();
+        QVERIFY(report.copyable);
+        for (const char *name : {"Broken.strings", "Broken2.strings", "Credits.rtf"}) QVERIFY2(report.message.contains(S(name)), name);
+        QVERIFY2(report.message.contains(QStringLiteral("breaks the string-table syntax at line 2")), qPrintable(report.message));
 
         const qsizetype alertsBefore = m_dialogs.alerts().size();
         m_dialogs.queuePanelAnswer(good);
@@ -378,6 +432,13 @@ private slots:
         m_window->selectFileRows({fileRow(QStringLiteral("Good.strings"))});
         m_window->selectEntryRow(0);
         QCOMPARE(m_window->entryEditor()->commentLabel()->text(), QStringLiteral("Preferences -> Transfers -> Magnet tooltip"));
+
+        // Added without a command of the window (a drop): one report too, once the adding is over.
+        const QString broken3 = m_box->write(QStringLiteral("d/Broken3.strings"), "\"a\" = \"1\"\n");
+        doc()->addFiles(QList<QPair<QString, OptString>>{{broken3, std::nullopt}, {credits, std::nullopt}});
+        QCOMPARE(m_dialogs.alerts().size(), alertsBefore);
+        QTRY_COMPARE(m_dialogs.alerts().size(), alertsBefore + 1);
+        QVERIFY(m_dialogs.alerts().last().message.contains(S("Broken3.strings")) && m_dialogs.alerts().last().message.contains(S("Credits.rtf")));
     }
     void newWindowShowsDefaultToolbar()
     {
@@ -625,10 +686,17 @@ private slots:
         QVERIFY(editor->commit());
         QCOMPARE(icon(S("files")), QIcon().cacheKey());
         QTRY_COMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), warning);
+        QVERIFY(!files()->index(0, 0).data(Qt::ToolTipRole).toString().contains(S("error")));
+        // The file's count follows the one entry both ways, without its other entries read again.
+        editor->entryField()->setPlainText(S("fichiers"));
+        QVERIFY(editor->commit());
+        QTRY_COMPARE(files()->index(0, FileTableModel::NameColumn).data(Qt::DecorationRole).value<QIcon>().cacheKey(), error);
+        QVERIFY(files()->index(0, 0).data(Qt::ToolTipRole).toString().contains(S("1 entry with an error")));
     }
     void languageChangesOnlyOnPurpose_data()
     {
-        TestSupport::addTableRows(S("app"), S("language-changes.tsv"), {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts")});
+        TestSupport::addTableRows(S("app"), S("language-changes.tsv"),
+                                  {S("side"), S("chosen"), S("entries"), S("answer"), S("changed"), S("alerts"), S("words")});
     }
     void languageChangesOnlyOnPurpose()
     {
@@ -638,10 +706,17 @@ private slots:
         QFETCH(QString, answer);
         QFETCH(QString, changed);
         QFETCH(QString, alerts);
+        QFETCH(QString, words);
         const bool base = side == S("b"), withEntries = entries == S("y");
         int tag = chosen.toInt();
-        if (withEntries) addThreeFiles();
         MyDocument *doc = m_window->document();
+        doc->setLocLangFrom(*tagForLanguage(S("en")));
+        TestSupport::writeFile(DictionaryFiles::dictionaryFolder() + S("/English-German.strings"), "\"v\" = \"Wert\";\n");
+        if (withEntries) {
+            addThreeFiles();
+            for (const LocEntryPtr &e : doc->files().first()->allEntries()) e->setCheck(true);
+            doc->files().first()->allEntries().first()->setLocalizedWord(S("Typed"));
+        }
         const int before = base ? doc->locLangFrom() : doc->locLangTo();
         if (tag == 0) tag = base ? doc->locLangTo() : doc->locLangFrom();
         QVERIFY(tag != before);
@@ -658,6 +733,10 @@ private slots:
         QCOMPARE(doc->locLangFrom() == doc->locLangTo(), false);
         QCOMPARE(popup->focusPolicy(), Qt::ClickFocus);
         QCOMPARE(popup->count(), int(languageItems().size()));
+        QStringList shown;
+        for (const LocEntryPtr &e : doc->files().isEmpty() ? QList<LocEntryPtr>() : doc->files().first()->allEntries())
+            shown.append(wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-'));
+        QCOMPARE(shown.join(u','), words);
         // The popups follow the document (an opened or reverted archive).
         doc->setLocLangFrom(doc->locLangTo() == 4 ? 5 : 4);
         QCOMPARE(m_window->languageFromPp()->selectedTag(), doc->locLangFrom());
@@ -674,7 +753,10 @@ private slots:
         const LocFilePtr a = m_window->fileModel()->fileAt(0);
         const LocEntryPtr first = a->entries().at(0), second = a->entries().at(1);
         const std::function<QString()> state = [&]() -> QString {
-            if (kind.startsWith(QLatin1String("typing"))) return wordOrEmpty(first->localizedWord()) + (first->isChecked() ? QLatin1String("+") : QLatin1String("-"));
+            const auto word = [](const LocEntryPtr &e) { return wordOrEmpty(e->localizedWord()) + (e->isChecked() ? u'+' : u'-'); };
+            if (kind.startsWith(QLatin1String("typing")) || kind == QLatin1String("dictionary pair")) return word(first);
+            if (kind == QLatin1String("same translation"))
+                return word(doc->files().at(1)->allEntries().first()) + word(doc->files().at(2)->allEntries().first());
             if (kind == QLatin1String("title")) return doc->title();
             if (kind == QLatin1String("language")) return QString::number(doc->locLangFrom());
             if (kind == QLatin1String("order")) {
@@ -684,10 +766,25 @@ private slots:
             }
             return QStringLiteral("%1%2").arg(first->isChecked()).arg(second->isChecked());
         };
+        if (kind == QLatin1String("same translation")) {
+            // A committed word is offered to the entries of the same base word, not given.
+            m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
+            QVERIFY(m_window->entryEditor()->commit());
+            QVERIFY(m_window->sameTranslationOffer()->isVisibleTo(m_window));
+            QVERIFY(m_window->sameTranslationOffer()->findChild<QLabel *>()->text().contains(S("2 more")));
+            m_window->undo()->stack()->clear();
+            m_window->selectFileRows({1});  // the offer stays; the editor shows one of the entries it names
+        }
         const QString before = state();
         doc->updateChangeCount(MyDocument::ChangeCleared);
 
-        if (kind == QLatin1String("typing")) {
+        if (kind == QLatin1String("same translation")) {
+            m_window->menuAction(S("SameTranslation"))->trigger();
+            QVERIFY(!m_window->sameTranslationOffer()->isVisibleTo(m_window));
+            QCOMPARE(m_window->entryEditor()->entryField()->toPlainText(), S("Wort"));
+        } else if (kind == QLatin1String("dictionary pair")) {
+            m_window->dictPanel()->chooseValue(S("Wort"));
+        } else if (kind == QLatin1String("typing")) {
             m_window->entryEditor()->entryField()->setPlainText(QStringLiteral("Wort"));
             QVERIFY(m_window->entryEditor()->commit());
         } else if (kind == QLatin1String("typing in the table")) {
@@ -704,7 +801,7 @@ private slots:
         } else if (kind == QLatin1String("title")) {
             QTest::keyClicks(m_window->titleField(), QStringLiteral("Notes"));
         } else if (kind == QLatin1String("language")) {
-            m_dialogs.queueAlertButton(0);
+            m_dialogs.queueAlertButton(1);  // change only: reading the files again cannot be undone
             const int index = m_window->languageFromPp()->findData(doc->locLangTo() == 3 ? 4 : 3);
             emit m_window->languageFromPp()->activated(index);
         } else {
@@ -741,14 +838,18 @@ private slots:
     void cancelStopsAfterCurrentFile_data()
     {
         QTest::addColumn<bool>("exporting");
-        QTest::newRow("adding three files") << false;
-        QTest::newRow("exporting three files") << true;
+        QTest::addColumn<bool>("rereading");
+        QTest::newRow("adding three files") << false << false;
+        QTest::newRow("exporting three files") << true << false;
+        QTest::newRow("reading three files again") << false << true;
     }
     void cancelStopsAfterCurrentFile()
     {
         QFETCH(bool, exporting);
+        QFETCH(bool, rereading);
         MyDocument *doc = m_window->document();
-        if (exporting) addThreeFiles();
+        if (exporting || rereading) addThreeFiles();
+        const QList<LocFilePtr> before = doc->files();
         doc->updateChangeCount(MyDocument::ChangeCleared);
         // Cancel pressed in the panel while the first file is done.
         int reported = 0;
@@ -761,7 +862,11 @@ private slots:
             QCOMPARE(panel->labelText(), QStringLiteral("File %1 of 3: A.strings").arg(done));
             if (done == 1) panel->findChild<QPushButton *>()->click();
         });
-        if (exporting) {
+        if (rereading) {
+            QVERIFY(!doc->rereadFiles());
+            QCOMPARE(doc->files(), before);  // the same files, not half of them read again
+            QVERIFY(!doc->isDocumentEdited());
+        } else if (exporting) {
             const QString out = m_box->path(QStringLiteral("out"));
             QVERIFY(QDir().mkpath(out));
             doc->files().first()->allEntries().first()->setLocalizedWord(QStringLiteral("learnt"));
@@ -786,7 +891,8 @@ private slots:
         QVERIFY(!m_window->progressPanel()->dialog());
         // The next run is not stopped by the last one's Cancel.
         disconnect(doc, &MyDocument::progress, this, nullptr);
-        if (!exporting) addThreeFiles();
+        if (rereading) QVERIFY(doc->rereadFiles() && doc->files().first() != before.first());
+        else if (!exporting) addThreeFiles();
     }
 
 private:

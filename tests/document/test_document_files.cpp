@@ -503,8 +503,27 @@ private slots:
         doc.setShowOnlyChangedBase(true);
         QCOMPARE(doc.files().first()->entries().size(), 1);
         QCOMPARE(*doc.files().first()->entries().first()->keyWord(), QStringLiteral("b"));
+        // The work to do: unchecked, or checked while still the base word (with letters).
+        doc.setShowOnlyToDo(true);
+        QCOMPARE(doc.files().first()->entries().size(), 1);
         doc.setShowOnlyChangedBase(false);
+        QCOMPARE(doc.files().first()->entries().size(), 2);
+        QVERIFY(doc.isSearching());
+        using Row = std::tuple<const char *, const char *, bool, bool>;  // base, word, checked, to do
+        for (const auto &[base, word, checked, toDo] : {Row{"Open", "Open", true, true}, Row{"Open", "Ouvrir", true, false},
+                                                       Row{"Open", "Ouvrir", false, true}, Row{" ", " ", true, false}, Row{"12", "12", true, false}}) {
+            const LocEntryPtr e = LocEntry::initWithBaseWord(QString::fromUtf8(base), QString::fromUtf8(word));
+            e->setCheck(checked);
+            QCOMPARE(MyDocument::isToDo(*e), toDo);
+        }
+        doc.setShowOnlyToDo(false);
         QCOMPARE(doc.files().first()->entries().size(), 3);
+        QVERIFY(!doc.isSearching());
+        // A search in force filters a file added afterwards too.
+        doc.search(u"close"_s);
+        files(u"more"_s, {"More.strings"}, "\"q\" = \"Quit\";\n\"ca\" = \"Close all\";\n");
+        doc.addFiles(QList<QPair<QString, OptString>>{{path(u"more/More.strings"_s), std::nullopt}});
+        QCOMPARE(doc.files().last()->entries().size(), 1);
     }
 
     void exportFolder_data()

@@ -169,12 +169,8 @@ void DictPanel::chooseValue(const QString &value)
     QPlainTextEdit *entry = m_editor->entryField();
     if (!m_editor->entry() || !entry->isEnabled() || entry->isReadOnly()) return;
     m_choosing = true;
-    // One edit block: the editor's undo puts the whole previous text back in one step.
-    QTextCursor cursor(entry->document());
-    cursor.beginEditBlock();
-    cursor.select(QTextCursor::Document);
-    cursor.insertText(value);
-    cursor.endEditBlock();
+    // A step of the document's undo, like a word typed and committed.
+    m_editor->insertWord(value, tr("Dictionary Pair"));
     // Back in the editor after the word; the panel keeps showing what the user chose from.
     entry->setFocus(Qt::OtherFocusReason);
     entry->moveCursor(QTextCursor::End);
