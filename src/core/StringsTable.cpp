@@ -108,16 +108,38 @@ qsizetype utf8Length(const char16_t *p, const char16_t *const end)
 }
 
 // UTF-8 is decoded a block at a time, so the text in UTF-16 never needs room for the whole file.
-// Blocks end on a character boundary, so each decodes (and is checked) on its own.
+// Blocks end on a character boundary, so each decodes (and is checked) on its own. The bytes come
+// either all from memory or a block at a time from a file, so that reading a file once never
+// holds all of its bytes either.
 class Utf8Blocks {
 public:
     explicit Utf8Blocks(QByteArrayView bytes) : m_all(bytes), m_rest(bytes) {}
+    // `head`: the bytes already read from `device` (after any byte-order mark), which sits at
+    // `headOffset` + head.size().
+    Utf8Blocks(QIODevice *device, QByteArray head, qint64 headOffset)
+        : m_device(device), m_buffer(std::move(head)), m_rest(m_buffer), m_headOffset(headOffset)
+    {
+        fill(kBlock + 4);
+    }
     bool atEnd() const { return m_rest.isEmpty(); }
     // The line at `bytesBack` bytes before the end of what was decoded so far.
     qsizetype lineAt(qsizetype bytesBack) const
     {
-        const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
-        return 1 + std::count(before.begin(), before.end(), '\n');
+        if (!m_device) {
+            const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
+            return 1 + std::count(before.begin(), before.end(), '\n');
+        }
+        // Only when a file turns out broken: its start is read again to count the lines.
+        qint64 left = m_headOffset + m_consumed - bytesBack;
+        qsizetype lines = 1;
+        if (!m_device->seek(0)) return 0;
+        while (left > 0) {
+            const QByteArray chunk = m_device->read(qMin<qint64>(left, kBlock));
+            if (chunk.isEmpty()) break;
+            lines += chunk.count('\n');
+            left -= chunk.size();
+        }
+        return lines;
     }
     bool hasError() const { return m_decoder.hasError(); }
     // Appends the next block to `text`. A block is at least as long as the text already there,
@@ -125,12 +147,15 @@ public:
     // a logarithmic number of times, not once per block.
     void decodeNext(QString &text)
     {
-        qsizetype n = qMin(qMax(kBlock, text.size()), m_rest.size());
+        qsizetype n = qMax(kBlock, text.size());
+        if (m_device) fill(n + 4);  // one more byte than a character takes, to see where it ends
+        n = qMin(n, m_rest.size());
         // Back up over continuation bytes (at most three) to the start of a character. Stray
         // continuation bytes stay where they are and make the decoder report an error.
         for (int k = 0; k < 3 && n < m_rest.size() && n > 1 && (uchar(m_rest[n]) & 0xC0) == 0x80; ++k) --n;
         const QByteArrayView block = m_rest.first(n);
         m_rest = m_rest.sliced(n);
+        m_consumed += n;
         const qsizetype old = text.size();
         text.resize(old + m_decoder.requiredSpace(block.size()));
         const QChar *e = m_decoder.appendToBuffer(text.data() + old, block);
@@ -138,9 +163,34 @@ public:
     }
 
 private:
+    // Tops the unread bytes up to `n` from the device (fewer at its end).
+    void fill(qsizetype n)
+    {
+        if (m_rest.size() >= n || m_deviceAtEnd) return;
+        QByteArray next(n, Qt::Uninitialized);
+        std::memcpy(next.data(), m_rest.data(), size_t(m_rest.size()));
+        qsizetype have = m_rest.size();
+        while (have < n) {
+            const qint64 got = m_device->read(next.data() + have, n - have);
+            if (got <= 0) {
+                m_deviceAtEnd = true;
+                break;
+            }
+            have += got;
+        }
+        next.truncate(have);
+        m_buffer = std::move(next);
+        m_rest = m_buffer;
+    }
+
     static constexpr qsizetype kBlock = 256 * 1024;
     QByteArrayView m_all;
+    QIODevice *m_device = nullptr;
+    QByteArray m_buffer;  // read from the device: m_rest lies in it
     QByteArrayView m_rest;
+    qint64 m_headOffset = 0;
+    qint64 m_consumed = 0;
+    bool m_deviceAtEnd = false;
     // Stateless, so a truncated character at the end is an error; a byte-order mark inside the
     // text stays a character.
     QStringDecoder m_decoder{QStringConverter::Utf8,
@@ -366,6 +416,31 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error)
     Utf8Blocks blocks(body);
     if (blocks.atEnd()) return StringMap();
     Parser parser(&blocks, body.size());
+    if (blocks.hasError()) return Parser::encodingError(error);
+    return parser.run(error);
+}
+
+std::optional<StringMap> readFile(const QString &path, Error *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error) *error = {0, file.errorString()};
+        return std::nullopt;
+    }
+    // The start tells the form. Only a plain UTF-8 table is read as it streams in; every other
+    // form goes through parseData whole, exactly as a read of all the bytes would.
+    constexpr qint64 kHead = 64 * 1024;
+    QByteArray head = file.read(kHead);
+    const qsizetype bom = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    const QByteArrayView body = QByteArrayView(head).sliced(bom);
+    qsizetype first = 0;
+    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
+    const bool plainUtf8 = !head.startsWith("bplist00") && !head.startsWith("\xFE\xFF") && !head.startsWith("\xFF\xFE")
+        && !looksLikeXml(body.first(qMin<qsizetype>(64, body.size()))) && first < body.size() && body[first] != '{';
+    if (!plainUtf8) return parseData(head + file.readAll(), error);
+    head.remove(0, bom);
+    Utf8Blocks blocks(&file, std::move(head), bom);
+    Parser parser(&blocks, qsizetype(qMax<qint64>(file.size() - bom, 0)));
     if (blocks.hasError()) return Parser::encodingError(error);
     return parser.run(error);
 }

@@ -26,6 +26,11 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullpt
 // parseData for the bytes of the file at `path`. Large tables are kept in memory with the bytes
 // they came from (a few files), so a dictionary consulted for every file of a bundle is parsed
 // once; comparing the bytes makes a stale answer impossible.
+// A file read once, as the command line does: a plain UTF-8 table is decoded and parsed as it
+// is read, so neither its bytes nor its text are ever held whole; other forms as parseData.
+// Not kept for later reads.
+std::optional<StringMap> readFile(const QString &path, Error *error = nullptr);
+
 std::optional<StringMap> parseFileData(const QString &path, const QByteArray &data, Error *error = nullptr);
 
 }  // namespace StringsTable
