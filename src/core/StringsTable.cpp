@@ -269,12 +269,14 @@ private:
         }
         if (p == m_end || *p != u'=') return error(QStringLiteral("expected \"=\" or \";\" after a key"));
         ++p;
+        const quint32 hash = StringMap::hashOf(m_key);
+        map.prefetch(hash);
         if (!skipSpaceAndComments()) return Step::Error;
         if (!word(m_value)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end || *p != u';') return error(QStringLiteral("expected \";\" after a value"));
         ++p;
-        map.insert(std::move(m_key), std::move(m_value));
+        map.insertHashed(hash, std::move(m_key), std::move(m_value));
         return Step::Pair;
     }
 
