@@ -2,11 +2,14 @@
 
 #include "PropertyList.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QMutex>
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -461,6 +464,10 @@ struct CachedRead {
     QString path;
     QByteArray bytes;
     StringMap map;
+    // The file's size and time when it was read, and the scope it was read in (0: none).
+    qint64 size = -1;
+    QDateTime modified;
+    quint64 scope = 0;
 };
 struct ReadCache {
     QMutex mutex;
@@ -472,6 +479,14 @@ ReadCache &readCache()
     static ReadCache *const cache = new ReadCache;
     return *cache;
 }
+// The scope in force: 0 when none, else a number no earlier scope had.
+std::atomic<int> scopeDepth{0};
+std::atomic<quint64> scopeNumber{0};
+quint64 currentScope()
+{
+    return scopeDepth.load() > 0 ? scopeNumber.load() : 0;
+}
+
 constexpr qsizetype kCachedFiles = 4;
 constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse faster than they compare
 
@@ -483,21 +498,56 @@ std::optional<StringMap> StringsTable::parseFileData(const QString &path, const 
     ReadCache &cache = readCache();
     if (cacheable) {
         QMutexLocker lock(&cache.mutex);
-        for (const CachedRead &c : std::as_const(cache.tables))
-            if (c.path == path && c.bytes == bytes) return c.map;
+        for (CachedRead &c : cache.tables) {
+            if (c.path != path || c.bytes != bytes) continue;
+            if (const quint64 scope = currentScope(); scope != c.scope) {
+                const QFileInfo info(path);
+                c.size = info.size();
+                c.modified = info.lastModified();
+                c.scope = scope;
+            }
+            return c.map;
+        }
     }
     auto map = parseData(bytes, error);
     if (map && cacheable) {
+        const QFileInfo info(path);
+        CachedRead read{path, bytes, *map, info.size(), info.lastModified(), currentScope()};
         QMutexLocker lock(&cache.mutex);
         cache.tables.removeIf([&](const CachedRead &c) { return c.path == path; });
-        cache.tables.prepend({path, bytes, *map});
+        cache.tables.prepend(std::move(read));
         while (cache.tables.size() > kCachedFiles) cache.tables.removeLast();
     }
     return map;
 }
 
+StringsTable::SnapshotScope::SnapshotScope()
+{
+    if (scopeDepth.fetch_add(1) == 0) scopeNumber.fetch_add(1);
+}
+
+StringsTable::SnapshotScope::~SnapshotScope()
+{
+    scopeDepth.fetch_sub(1);
+}
+
+std::optional<StringMap> StringsTable::snapshotOf(const QString &path)
+{
+    const quint64 scope = currentScope();
+    if (!scope) return std::nullopt;
+    ReadCache &cache = readCache();
+    QMutexLocker lock(&cache.mutex);
+    for (const CachedRead &c : std::as_const(cache.tables)) {
+        if (c.path != path || c.scope != scope) continue;
+        const QFileInfo info(path);
+        if (info.size() == c.size && info.lastModified() == c.modified) return c.map;
+    }
+    return std::nullopt;
+}
+
 std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error)
 {
+    if (auto map = StringsTable::snapshotOf(path)) return map;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error) *error = {0, file.errorString()};

@@ -33,6 +33,21 @@ std::optional<StringMap> readFile(const QString &path, Error *error = nullptr);
 
 std::optional<StringMap> parseFileData(const QString &path, const QByteArray &data, Error *error = nullptr);
 
+// While one of these lives (adding a bundle, say), a large table read once is not read again:
+// the map of its first reading is taken for as long as the file keeps its size and modification
+// time. One dictionary consulted for each of hundreds of files is then read and compared once,
+// not once per file; outside a scope every read compares the bytes as before.
+class SnapshotScope {
+public:
+    SnapshotScope();
+    ~SnapshotScope();
+    SnapshotScope(const SnapshotScope &) = delete;
+    SnapshotScope &operator=(const SnapshotScope &) = delete;
+};
+
+// The map kept for `path` during the current scope, if any (nothing is read).
+std::optional<StringMap> snapshotOf(const QString &path);
+
 }  // namespace StringsTable
 
 // Nothing for a missing file, a syntax error or undecodable bytes.
