@@ -145,6 +145,8 @@ public:
         return lines;
     }
     bool hasError() const { return m_decoder.hasError(); }
+    // The device failed before its end: what was parsed is not the whole file.
+    bool readFailed() const { return m_readFailed; }
     // Appends the next block to `text`. A block is at least as long as the text already there,
     // so a pair that spans many blocks (or an error that keeps asking for more) is parsed again
     // a logarithmic number of times, not once per block.
@@ -176,6 +178,7 @@ private:
         while (have < n) {
             const qint64 got = m_device->read(next.data() + have, n - have);
             if (got <= 0) {
+                m_readFailed = got < 0;
                 m_deviceAtEnd = true;
                 break;
             }
@@ -194,6 +197,7 @@ private:
     qint64 m_headOffset = 0;
     qint64 m_consumed = 0;
     bool m_deviceAtEnd = false;
+    bool m_readFailed = false;
     // Stateless, so a truncated character at the end is an error; a byte-order mark inside the
     // text stays a character.
     QStringDecoder m_decoder{QStringConverter::Utf8,
@@ -447,7 +451,12 @@ std::optional<StringMap> readFile(const QString &path, Error *error)
     Utf8Blocks blocks(&file, std::move(head), bom);
     Parser parser(&blocks, qsizetype(qMax<qint64>(file.size() - bom, 0)));
     if (blocks.hasError()) return Parser::encodingError(error);
-    return parser.run(error);
+    auto map = parser.run(error);
+    if (blocks.readFailed()) {
+        if (error) *error = {0, file.errorString()};
+        return std::nullopt;
+    }
+    return map;
 }
 
 }  // namespace StringsTable
