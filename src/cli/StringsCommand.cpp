@@ -9,7 +9,7 @@ static int runStrings(const QStringList &args, QTextStream &out, QTextStream &er
         return 2;
     }
     StringsTable::Error error;
-    const auto map = dictionaryWithContentsOfFile(args.first(), &error);
+    const auto map = StringsTable::readFile(args.first(), &error);
     if (!map) {
         err << "vocabrix-cli: " << args.first() << ": not a readable string table";
         if (!error.message.isEmpty()) {

@@ -22,6 +22,10 @@ public:
     // An absent or empty key matches every entry.
     QList<LocEntryPtr> search(const QList<LocEntryPtr> &all, const OptString &key, Filters filters);
 
+    // Called by LocEntry whenever it rewrites an entry's text (its only place that does). A search
+    // that saw no rewrite since the last one knows every slot still holds its entry's text.
+    static void noteTextRewritten();
+
 private:
     void rebuild(const QList<LocEntryPtr> &all);
     // Folds changed texts into their slots; false when one no longer fits and all must be rebuilt.
@@ -37,6 +41,7 @@ private:
     std::vector<qsizetype> m_start;  // slot i is [m_start[i], m_start[i + 1])
     std::vector<qsizetype> m_length;
     std::vector<signed char> m_empty;  // both words empty: 1, not: 0, not yet known: -1
+    quint64 m_textEdits = ~quint64(0);  // the count of rewrites when the slots were last compared
 
     // The previous search, to narrow the next one when its text contains this one.
     std::u16string m_lastKey;

@@ -1,6 +1,7 @@
 #include "LocEntry.h"
 
 #include "Archive.h"
+#include "EntrySearch.h"
 #include "NotificationCenter.h"
 #include "TextSearch.h"
 
@@ -134,7 +135,10 @@ void LocEntry::setLocalizedWord(const OptString &word)
     const QString mark = isLeopardNibEntry() ? QStringLiteral("\" = \"") : kPairOpen;
     const qsizetype at = m_entry.indexOf(mark);
     // A text without a pair line has no value to rewrite; it is left as it is.
-    if (at >= 0) m_entry = m_entry.left(at + mark.size()) + escaped + kPairClose;
+    if (at >= 0) {
+        m_entry = m_entry.left(at + mark.size()) + escaped + kPairClose;
+        EntrySearch::noteTextRewritten();
+    }
     // Checked after the rewrite, so that observers of the notification read the new word.
     if (changed) setCheck(true);
 }

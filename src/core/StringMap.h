@@ -24,6 +24,24 @@ public:
         if (f.index >= 0) m_pairs[f.index].second = std::move(value);
         else add(f.slot, f.hash, Pair(std::move(key), std::move(value)));
     }
+    // For a reader that meets a key before its value: the key's hash, a hint that brings the
+    // index slot it starts at into the cache while the value is read, and the insert that
+    // reuses the hash. On a large map that slot is a cache miss, which the value's reading hides.
+    static quint32 hashOf(QStringView key) { return quint32(qHash(key, QHashSeed::globalSeed())); }
+    void prefetch(quint32 hash) const
+    {
+#if defined(__GNUC__)
+        if (!m_slots.isEmpty()) __builtin_prefetch(m_slots.constData() + (hash & (m_slots.size() - 1)));
+#else
+        Q_UNUSED(hash);
+#endif
+    }
+    void insertHashed(quint32 hash, QString &&key, QString &&value)
+    {
+        const Found f = lookUp(key, hash);
+        if (f.index >= 0) m_pairs[f.index].second = std::move(value);
+        else add(f.slot, f.hash, Pair(std::move(key), std::move(value)));
+    }
     bool contains(QStringView key) const { return lookUp(key).index >= 0; }
     bool contains(const QString &key) const { return contains(QStringView(key)); }
     // The value, or a null QString when the key is missing.
@@ -87,11 +105,11 @@ private:
         quint32 hash;
     };
 
-    Found lookUp(QStringView key) const
+    // The process's random seed, as QHash uses (hashOf): a table made to collide cannot slow
+    // every reader down, and a seed also picks Qt's fastest string hash where the processor has one.
+    Found lookUp(QStringView key) const { return lookUp(key, hashOf(key)); }
+    Found lookUp(QStringView key, quint32 hash) const
     {
-        // The process's random seed, as QHash uses: a table made to collide cannot slow every
-        // reader down, and a seed also picks Qt's fastest string hash where the processor has one.
-        const auto hash = quint32(qHash(key, QHashSeed::globalSeed()));
         if (m_slots.isEmpty()) return {-1, -1, hash};
         const qsizetype mask = m_slots.size() - 1;
         for (qsizetype s = hash & mask;; s = (s + 1) & mask) {

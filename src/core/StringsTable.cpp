@@ -2,11 +2,14 @@
 
 #include "PropertyList.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QMutex>
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -108,29 +111,56 @@ qsizetype utf8Length(const char16_t *p, const char16_t *const end)
 }
 
 // UTF-8 is decoded a block at a time, so the text in UTF-16 never needs room for the whole file.
-// Blocks end on a character boundary, so each decodes (and is checked) on its own.
+// Blocks end on a character boundary, so each decodes (and is checked) on its own. The bytes come
+// either all from memory or a block at a time from a file, so that reading a file once never
+// holds all of its bytes either.
 class Utf8Blocks {
 public:
     explicit Utf8Blocks(QByteArrayView bytes) : m_all(bytes), m_rest(bytes) {}
+    // `head`: the bytes already read from `device` (after any byte-order mark), which sits at
+    // `headOffset` + head.size().
+    Utf8Blocks(QIODevice *device, QByteArray head, qint64 headOffset)
+        : m_device(device), m_buffer(std::move(head)), m_rest(m_buffer), m_headOffset(headOffset)
+    {
+        fill(kBlock + 4);
+    }
     bool atEnd() const { return m_rest.isEmpty(); }
     // The line at `bytesBack` bytes before the end of what was decoded so far.
     qsizetype lineAt(qsizetype bytesBack) const
     {
-        const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
-        return 1 + std::count(before.begin(), before.end(), '\n');
+        if (!m_device) {
+            const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
+            return 1 + std::count(before.begin(), before.end(), '\n');
+        }
+        // Only when a file turns out broken: its start is read again to count the lines.
+        qint64 left = m_headOffset + m_consumed - bytesBack;
+        qsizetype lines = 1;
+        if (!m_device->seek(0)) return 0;
+        while (left > 0) {
+            const QByteArray chunk = m_device->read(qMin<qint64>(left, kBlock));
+            if (chunk.isEmpty()) break;
+            lines += chunk.count('\n');
+            left -= chunk.size();
+        }
+        return lines;
     }
     bool hasError() const { return m_decoder.hasError(); }
+    // The device failed before its end: what was parsed is not the whole file.
+    bool readFailed() const { return m_readFailed; }
     // Appends the next block to `text`. A block is at least as long as the text already there,
     // so a pair that spans many blocks (or an error that keeps asking for more) is parsed again
     // a logarithmic number of times, not once per block.
     void decodeNext(QString &text)
     {
-        qsizetype n = qMin(qMax(kBlock, text.size()), m_rest.size());
+        qsizetype n = qMax(kBlock, text.size());
+        if (m_device) fill(n + 4);  // one more byte than a character takes, to see where it ends
+        n = qMin(n, m_rest.size());
         // Back up over continuation bytes (at most three) to the start of a character. Stray
         // continuation bytes stay where they are and make the decoder report an error.
         for (int k = 0; k < 3 && n < m_rest.size() && n > 1 && (uchar(m_rest[n]) & 0xC0) == 0x80; ++k) --n;
         const QByteArrayView block = m_rest.first(n);
         m_rest = m_rest.sliced(n);
+        m_consumed += n;
         const qsizetype old = text.size();
         text.resize(old + m_decoder.requiredSpace(block.size()));
         const QChar *e = m_decoder.appendToBuffer(text.data() + old, block);
@@ -138,9 +168,36 @@ public:
     }
 
 private:
+    // Tops the unread bytes up to `n` from the device (fewer at its end).
+    void fill(qsizetype n)
+    {
+        if (m_rest.size() >= n || m_deviceAtEnd) return;
+        QByteArray next(n, Qt::Uninitialized);
+        std::memcpy(next.data(), m_rest.data(), size_t(m_rest.size()));
+        qsizetype have = m_rest.size();
+        while (have < n) {
+            const qint64 got = m_device->read(next.data() + have, n - have);
+            if (got <= 0) {
+                m_readFailed = got < 0;
+                m_deviceAtEnd = true;
+                break;
+            }
+            have += got;
+        }
+        next.truncate(have);
+        m_buffer = std::move(next);
+        m_rest = m_buffer;
+    }
+
     static constexpr qsizetype kBlock = 256 * 1024;
     QByteArrayView m_all;
+    QIODevice *m_device = nullptr;
+    QByteArray m_buffer;  // read from the device: m_rest lies in it
     QByteArrayView m_rest;
+    qint64 m_headOffset = 0;
+    qint64 m_consumed = 0;
+    bool m_deviceAtEnd = false;
+    bool m_readFailed = false;
     // Stateless, so a truncated character at the end is an error; a byte-order mark inside the
     // text stays a character.
     QStringDecoder m_decoder{QStringConverter::Utf8,
@@ -219,12 +276,14 @@ private:
         }
         if (p == m_end || *p != u'=') return error(QStringLiteral("expected \"=\" or \";\" after a key"));
         ++p;
+        const quint32 hash = StringMap::hashOf(m_key);
+        map.prefetch(hash);
         if (!skipSpaceAndComments()) return Step::Error;
         if (!word(m_value)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end || *p != u';') return error(QStringLiteral("expected \";\" after a value"));
         ++p;
-        map.insert(std::move(m_key), std::move(m_value));
+        map.insertHashed(hash, std::move(m_key), std::move(m_value));
         return Step::Pair;
     }
 
@@ -370,6 +429,36 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error)
     return parser.run(error);
 }
 
+std::optional<StringMap> readFile(const QString &path, Error *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error) *error = {0, file.errorString()};
+        return std::nullopt;
+    }
+    // The start tells the form. Only a plain UTF-8 table is read as it streams in; every other
+    // form goes through parseData whole, exactly as a read of all the bytes would.
+    constexpr qint64 kHead = 64 * 1024;
+    QByteArray head = file.read(kHead);
+    const qsizetype bom = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+    const QByteArrayView body = QByteArrayView(head).sliced(bom);
+    qsizetype first = 0;
+    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
+    const bool plainUtf8 = !head.startsWith("bplist00") && !head.startsWith("\xFE\xFF") && !head.startsWith("\xFF\xFE")
+        && !looksLikeXml(body.first(qMin<qsizetype>(64, body.size()))) && first < body.size() && body[first] != '{';
+    if (!plainUtf8) return parseData(head + file.readAll(), error);
+    head.remove(0, bom);
+    Utf8Blocks blocks(&file, std::move(head), bom);
+    Parser parser(&blocks, qsizetype(qMax<qint64>(file.size() - bom, 0)));
+    if (blocks.hasError()) return Parser::encodingError(error);
+    auto map = parser.run(error);
+    if (blocks.readFailed()) {
+        if (error) *error = {0, file.errorString()};
+        return std::nullopt;
+    }
+    return map;
+}
+
 }  // namespace StringsTable
 
 namespace {
@@ -384,6 +473,10 @@ struct CachedRead {
     QString path;
     QByteArray bytes;
     StringMap map;
+    // The file's size and time when it was read, and the scope it was read in (0: none).
+    qint64 size = -1;
+    QDateTime modified;
+    quint64 scope = 0;
 };
 struct ReadCache {
     QMutex mutex;
@@ -395,6 +488,14 @@ ReadCache &readCache()
     static ReadCache *const cache = new ReadCache;
     return *cache;
 }
+// The scope in force: 0 when none, else a number no earlier scope had.
+std::atomic<int> scopeDepth{0};
+std::atomic<quint64> scopeNumber{0};
+quint64 currentScope()
+{
+    return scopeDepth.load() > 0 ? scopeNumber.load() : 0;
+}
+
 constexpr qsizetype kCachedFiles = 4;
 constexpr qsizetype kSmallestCachedFile = 64 * 1024;  // small tables parse faster than they compare
 
@@ -406,21 +507,56 @@ std::optional<StringMap> StringsTable::parseFileData(const QString &path, const 
     ReadCache &cache = readCache();
     if (cacheable) {
         QMutexLocker lock(&cache.mutex);
-        for (const CachedRead &c : std::as_const(cache.tables))
-            if (c.path == path && c.bytes == bytes) return c.map;
+        for (CachedRead &c : cache.tables) {
+            if (c.path != path || c.bytes != bytes) continue;
+            if (const quint64 scope = currentScope(); scope != c.scope) {
+                const QFileInfo info(path);
+                c.size = info.size();
+                c.modified = info.lastModified();
+                c.scope = scope;
+            }
+            return c.map;
+        }
     }
     auto map = parseData(bytes, error);
     if (map && cacheable) {
+        const QFileInfo info(path);
+        CachedRead read{path, bytes, *map, info.size(), info.lastModified(), currentScope()};
         QMutexLocker lock(&cache.mutex);
         cache.tables.removeIf([&](const CachedRead &c) { return c.path == path; });
-        cache.tables.prepend({path, bytes, *map});
+        cache.tables.prepend(std::move(read));
         while (cache.tables.size() > kCachedFiles) cache.tables.removeLast();
     }
     return map;
 }
 
+StringsTable::SnapshotScope::SnapshotScope()
+{
+    if (scopeDepth.fetch_add(1) == 0) scopeNumber.fetch_add(1);
+}
+
+StringsTable::SnapshotScope::~SnapshotScope()
+{
+    scopeDepth.fetch_sub(1);
+}
+
+std::optional<StringMap> StringsTable::snapshotOf(const QString &path)
+{
+    const quint64 scope = currentScope();
+    if (!scope) return std::nullopt;
+    ReadCache &cache = readCache();
+    QMutexLocker lock(&cache.mutex);
+    for (const CachedRead &c : std::as_const(cache.tables)) {
+        if (c.path != path || c.scope != scope) continue;
+        const QFileInfo info(path);
+        if (info.size() == c.size && info.lastModified() == c.modified) return c.map;
+    }
+    return std::nullopt;
+}
+
 std::optional<StringMap> dictionaryWithContentsOfFile(const QString &path, StringsTable::Error *error)
 {
+    if (auto map = StringsTable::snapshotOf(path)) return map;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error) *error = {0, file.errorString()};

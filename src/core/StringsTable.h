@@ -26,7 +26,27 @@ std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullpt
 // parseData for the bytes of the file at `path`. Large tables are kept in memory with the bytes
 // they came from (a few files), so a dictionary consulted for every file of a bundle is parsed
 // once; comparing the bytes makes a stale answer impossible.
+// A file read once, as the command line does: a plain UTF-8 table is decoded and parsed as it
+// is read, so neither its bytes nor its text are ever held whole; other forms as parseData.
+// Not kept for later reads.
+std::optional<StringMap> readFile(const QString &path, Error *error = nullptr);
+
 std::optional<StringMap> parseFileData(const QString &path, const QByteArray &data, Error *error = nullptr);
+
+// While one of these lives (adding a bundle, say), a large table read once is not read again:
+// the map of its first reading is taken for as long as the file keeps its size and modification
+// time. One dictionary consulted for each of hundreds of files is then read and compared once,
+// not once per file; outside a scope every read compares the bytes as before.
+class SnapshotScope {
+public:
+    SnapshotScope();
+    ~SnapshotScope();
+    SnapshotScope(const SnapshotScope &) = delete;
+    SnapshotScope &operator=(const SnapshotScope &) = delete;
+};
+
+// The map kept for `path` during the current scope, if any (nothing is read).
+std::optional<StringMap> snapshotOf(const QString &path);
 
 }  // namespace StringsTable
 

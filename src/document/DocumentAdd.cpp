@@ -7,6 +7,7 @@
 #include "LocalizedText.h"
 #include "NotificationCenter.h"
 #include "PreparingHandler.h"
+#include "StringsTable.h"
 #include "VXControllerModel.h"
 
 #include <QDir>
@@ -103,6 +104,8 @@ QList<LocFilePtr> MyDocument::addFiles(const QList<QPair<QString, OptString>> &p
 
 QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<OptString>>> &paths)
 {
+    // The dictionary is consulted for every file added: read it once for the whole addition.
+    const StringsTable::SnapshotScope oneReading;
     setLoadingFiles(true);
     m_stopRequested = false;
     const QList<LocFilePtr> before = m_files;

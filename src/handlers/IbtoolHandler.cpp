@@ -103,8 +103,9 @@ void ibtoolPrepareTables(const QStringList &paths)
         std::unique_ptr<QProcess> process;
     };
     // A few runs side by side: each run is mostly the tool's start-up, which one core at a time
-    // would wait for in turn.
-    const int width = qBound(2, QThread::idealThreadCount(), 8);
+    // would wait for in turn. Twice as many as there are cores: a run also waits (to be started,
+    // for its table to be written, to be collected in turn), time another run can use.
+    const int width = qBound(4, 2 * QThread::idealThreadCount(), 16);
     std::deque<Run> running;
     const auto finishOldest = [&running] {
         Run run = std::move(running.front());

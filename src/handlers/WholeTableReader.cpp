@@ -47,6 +47,7 @@ QString displayPath(const QString &path)
 std::optional<StringMap> readWholeTable(LocFile &file, const OptString &path, TableRole role)
 {
     if (!path || path->isEmpty() || !QFileInfo(*path).isFile()) return std::nullopt;
+    if (auto map = StringsTable::snapshotOf(*path)) return map;
     QFile in(*path);
     if (!in.open(QIODevice::ReadOnly)) {
         file.addWarning(QStringLiteral("%1 %2 could not be opened (%3); no words were taken from it.")

@@ -131,6 +131,7 @@ private slots:
     {
         QFETCH(QByteArray, tail);
         constexpr qsizetype block = 256 * 1024;
+        QTemporaryDir dir;
         for (qsizetype shift = 0; shift <= tail.size() + 4; ++shift) {
             // A pair, space up to just before the block end, then the tail across it.
             const QByteArray head = "\"k\" = \"v\";\n";
@@ -146,6 +147,11 @@ private slots:
                 QCOMPARE(fromBytes.message, fromText.message);
             }
             if (decoder.hasError()) QCOMPARE(fromBytes.message, S("the file is neither UTF-8 nor UTF-16 with a byte-order mark"));
+            // Read from a file as it streams in, the blocks fall elsewhere: the same answer.
+            StringsTable::Error fromFile;
+            QVERIFY(StringsTable::readFile(TestSupport::writeFile(dir.filePath(S("t.strings")), data), &fromFile) == got);
+            QCOMPARE(fromFile.line, fromBytes.line);
+            QCOMPARE(fromFile.message, fromBytes.message);
         }
     }
 
@@ -167,6 +173,13 @@ private slots:
         TestSupport::writeFile(path, big + "\"last\" = \"2\";");
         QCOMPARE(dictionaryWithContentsOfFile(path)->value(S("last")), S("2"));
         QCOMPARE(dictionaryWithContentsOfFile(path)->size(), 5001);
+        {
+            // While a snapshot scope lives the file is not read again, unless its size or time changed.
+            StringsTable::SnapshotScope scope;
+            QCOMPARE(dictionaryWithContentsOfFile(path)->value(S("last")), S("2"));
+            TestSupport::writeFile(path, big + "\"last\" = \"33\";");
+            QCOMPARE(dictionaryWithContentsOfFile(path)->value(S("last")), S("33"));
+        }
         QVERIFY(QFile::remove(path));
         QVERIFY(!dictionaryWithContentsOfFile(path));
     }
