@@ -28,7 +28,6 @@ namespace ibtoolHandle {
 namespace {
 
 const QString kBlockSeparator = QStringLiteral("\";\n\n/*");
-const QString kToolTableSuffix = QStringLiteral("__temp.strings");
 
 QString stemOf(const QString &path) { return QFileInfo(path).completeBaseName(); }
 QString folderOf(const QString &path) { return QFileInfo(path).absolutePath(); }
@@ -88,7 +87,7 @@ OptString takePreparedTable(const QString &path)
 QString ibtoolMakePListFromNib(const QString &path, QString *failure, QStringList *toolWarnings)
 {
     const QString fileName = QFileInfo(path).fileName();
-    const QString table = stemOf(path) + kToolTableSuffix;
+    const QString table = InterfaceTool::scratchTableName(path, QStringLiteral("__temp"));
     runTool(path, {QStringLiteral("--generate-stringsfile"), table, fileName}, failure, toolWarnings);
     return QDir(folderOf(path)).filePath(table);
 }
@@ -130,7 +129,7 @@ void ibtoolPrepareTables(const QStringList &paths)
         if (qsizetype(running.size()) >= width) finishOldest();
         Run run;
         run.path = path;
-        const QString tableName = stemOf(path) + QStringLiteral("__prepared.strings");
+        const QString tableName = InterfaceTool::scratchTableName(path, QStringLiteral("__prepared"));
         run.table = QDir(folderOf(path)).filePath(tableName);
         run.process = std::make_unique<QProcess>();
         run.process->setProgram(program);

@@ -6,7 +6,7 @@
 // into a localized copy. Reading is synchronous and posts no end-of-reading notification.
 //
 // Temporary tables sit beside the interface file they belong to, named after its stem:
-// "<stem>__temp.strings" for the tool's table, "<stem>--temp.strings" for the merge table;
+// "<stem>__temp-<pid>.strings" for the tool's table, "<stem>--temp-<pid>.strings" for the merge table;
 // both are always removed again.
 //
 // Interface files of Base.lproj take a previous string table and export one (IbtoolBaseTables.h).

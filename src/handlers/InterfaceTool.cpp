@@ -137,6 +137,11 @@ QString describeFailure(Kind kind, const QString &program, const Result &result)
     return QString();
 }
 
+QString scratchTableName(const QString &interfacePath, const QString &tag)
+{
+    return QStringLiteral("%1%2-%3.strings").arg(QFileInfo(interfacePath).completeBaseName(), tag).arg(QCoreApplication::applicationPid());
+}
+
 std::optional<QString> writeMergeTable(LocFile &file)
 {
     QString text;
@@ -145,7 +150,7 @@ std::optional<QString> writeMergeTable(LocFile &file)
         text += QLatin1String("\n\n");
     }
     const QFileInfo base(file.path());
-    const QString path = QDir(base.absolutePath()).filePath(base.completeBaseName() + QStringLiteral("--temp.strings"));
+    const QString path = QDir(base.absolutePath()).filePath(scratchTableName(file.path(), QStringLiteral("--temp")));
     QSaveFile out(path);
     const QByteArray bytes = text.toUtf8();
     if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() || !out.commit()) {

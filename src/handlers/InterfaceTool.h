@@ -51,7 +51,12 @@ Result run(const QString &program, const QStringList &arguments, const QString &
 // on standard output). Empty for a run that succeeded.
 QString describeFailure(Kind kind, const QString &program, const Result &result);
 
-// Writes every entry's raw text, one blank line apart, as the merge table "<stem>--temp.strings"
+// The name of a scratch table beside an interface file, "<stem><tag>-<process id>.strings": with
+// the process id, two programs reading one file at once (two windows, a build running the command
+// line) never write or remove each other's tables.
+QString scratchTableName(const QString &interfacePath, const QString &tag);
+
+// Writes every entry's raw text, one blank line apart, as the merge table "<stem>--temp-<pid>.strings"
 // beside the interface file, atomically. Its path, or none (with a warning on the file) when
 // it could not be written.
 std::optional<QString> writeMergeTable(LocFile &file);

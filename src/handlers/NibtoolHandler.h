@@ -11,7 +11,7 @@
 // a tool that listed nothing; the file gets a warning that says why. Its standard error is read
 // and kept only for that message, so the tool never blocks on it.
 //
-// Export writes the entries as the merge table "<stem>--temp.strings" beside the interface
+// Export writes the entries as the merge table "<stem>--temp-<pid>.strings" beside the interface
 // file, has the tool merge it into a localized copy, and returns the table's pairs.
 
 #include "StringMap.h"
