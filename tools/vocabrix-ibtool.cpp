@@ -3,6 +3,7 @@
 //
 //   vocabrix-ibtool --generate-strings-file OUT.strings FILE
 //   vocabrix-ibtool FILE --strings-file TABLE.strings --write OUT
+//   vocabrix-ibtool --generate-strings-files-beside TAG FILE...   (ours alone: many files, one run)
 //
 // Standard output carries a property list as ibtool's does (errors under
 // "com.apple.ibtool.errors", an empty dictionary on success); standard error carries the same
@@ -13,7 +14,9 @@
 #include "VocabrixVersion.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTextStream>
 
@@ -33,6 +36,9 @@ const char kUsage[] =
     "                                 (also --generate-stringsfile, --export-strings-file)\n"
     "  --strings-file PATH            a translated string table to merge into FILE\n"
     "  --write PATH                   where the localized copy of FILE is written\n"
+    "  --generate-strings-files-beside TAG FILE...\n"
+    "                                 the table of each FILE beside it, named <stem>TAG; a FILE\n"
+    "                                 read with a warning or not at all gets none\n"
     "  --help, --version              print this help or the version and stop\n"
     "\n"
     "FILE is a xib, a storyboard, a legacy xib archive or a nib folder with designable.nib.\n";
@@ -113,6 +119,27 @@ bool parseArguments(const QStringList &args, Options *o, QString *why)
     return why->isEmpty();
 }
 
+// Many files in one run, for a program that would otherwise start the tool once per file:
+// each FILE read without a warning gets its table beside it; the others are named on standard
+// error and get none. Exit status 0: what is missing is for the caller to notice.
+int generateBeside(const QString &tag, const QStringList &files, QTextStream &out, QTextStream &err)
+{
+    for (const QString &path : files) {
+        QString error;
+        const auto file = interface::openInterfaceFile(path, &error);
+        if (!file || !file->warnings().isEmpty()) {
+            err << "vocabrix-ibtool: " << path << " skipped: " << (file ? file->warnings().join(u' ') : error) << "\n";
+            continue;
+        }
+        const QFileInfo info(path);
+        const QString table = info.absoluteDir().filePath(info.completeBaseName() + tag);
+        if (!writeBytes(table, interface::ibtoolTableBytes(interface::inIbtoolOrder(file->strings())), &error))
+            err << "vocabrix-ibtool: " << error << "\n";
+    }
+    printResult(out, QString(), QString());
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char *argv[])
@@ -129,6 +156,8 @@ int main(int argc, char *argv[])
         out << "vocabrix-ibtool " << VOCABRIX_VERSION << "\n";
         return 0;
     }
+    if (args.size() >= 2 && args.first() == QLatin1String("--generate-strings-files-beside"))
+        return generateBeside(args.at(1), args.mid(2), out, err);
     Options o;
     QString why;
     if (!parseArguments(args, &o, &why)) {

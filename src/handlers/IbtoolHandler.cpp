@@ -82,6 +82,54 @@ OptString takePreparedTable(const QString &path)
     return table.text;
 }
 
+// Keeps the table a preparing run left beside `path` (when the run went well) and removes it.
+void keepPreparedTable(const QString &path, const QString &table, bool keep)
+{
+    if (keep)
+        if (const OptString text = stringFromUTF16DataFilePath(table)) {
+            const QFileInfo info(path);
+            preparedTables().insert(path, {info.lastModified(), info.size(), *text});
+        }
+    removeFile(table);
+}
+
+// Our own tool takes many files in one run (--generate-strings-files-beside), so the files go
+// to one run per core instead of one run each: a run is mostly the tool's start-up. A file the
+// tool skips (a warning, a refusal) gets no table and is read again the usual way, as is every
+// file of a run that fails or hangs.
+void prepareInBatches(const QString &program, const QStringList &paths)
+{
+    const QString tag = InterfaceTool::scratchTableName(QString(), QStringLiteral("__prepared"));
+    const int count = qBound(1, QThread::idealThreadCount(), 8);
+    std::vector<QStringList> batches(static_cast<std::size_t>(count));
+    qsizetype next = 0;
+    for (const QString &path : paths)
+        if (QFileInfo::exists(path)) batches[size_t(next++ % count)].append(QFileInfo(path).absoluteFilePath());
+    std::vector<std::unique_ptr<QProcess>> runs;
+    for (const QStringList &batch : batches) {
+        if (batch.isEmpty()) continue;
+        auto run = std::make_unique<QProcess>();
+        run->setProgram(program);
+        run->setArguments(QStringList{QStringLiteral("--generate-strings-files-beside"), tag} + batch);
+        run->setStandardInputFile(QProcess::nullDevice());
+        run->setStandardOutputFile(QProcess::nullDevice());
+        run->setStandardErrorFile(QProcess::nullDevice());
+        run->start(QIODevice::ReadOnly);
+        runs.push_back(std::move(run));
+    }
+    for (size_t i = 0, r = 0; i < batches.size(); ++i) {
+        if (batches[i].isEmpty()) continue;
+        QProcess &run = *runs[r++];
+        bool ended = run.waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
+        if (!ended) {
+            run.kill();
+            run.waitForFinished(5'000);
+        }
+        const bool clean = ended && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0;
+        for (const QString &path : std::as_const(batches[i])) keepPreparedTable(path, QDir(folderOf(path)).filePath(stemOf(path) + tag), clean);
+    }
+}
+
 }  // namespace
 
 QString ibtoolMakePListFromNib(const QString &path, QString *failure, QStringList *toolWarnings)
@@ -97,6 +145,7 @@ void ibtoolPrepareTables(const QStringList &paths)
     preparedTables().clear();
     const QString program = InterfaceTool::find(InterfaceTool::Kind::Ibtool);
     if (program.isEmpty() || paths.size() < 2) return;
+    if (QFileInfo(program).fileName() == QLatin1String("vocabrix-ibtool")) return prepareInBatches(program, paths);
     struct Run {
         QString path, table;
         std::unique_ptr<QProcess> process;
@@ -114,15 +163,10 @@ void ibtoolPrepareTables(const QStringList &paths)
             run.process->kill();
             run.process->waitForFinished(5'000);
         }
-        if (ended && run.process->exitStatus() == QProcess::NormalExit && run.process->exitCode() == 0) {
-            // Tool warnings are not kept: a file whose run says anything is read again the usual way.
-            if (run.process->readAllStandardError().trimmed().isEmpty())
-                if (const OptString text = stringFromUTF16DataFilePath(run.table)) {
-                    const QFileInfo info(run.path);
-                    preparedTables().insert(run.path, {info.lastModified(), info.size(), *text});
-                }
-        }
-        removeFile(run.table);
+        // Tool warnings are not kept: a file whose run says anything is read again the usual way.
+        const bool clean = ended && run.process->exitStatus() == QProcess::NormalExit && run.process->exitCode() == 0
+                           && run.process->readAllStandardError().trimmed().isEmpty();
+        keepPreparedTable(run.path, run.table, clean);
     };
     for (const QString &path : paths) {
         if (!QFileInfo::exists(path)) continue;
