@@ -62,18 +62,16 @@ OptString readUtf8File(const QString &path)
     return text;
 }
 
-// Tells each handler which of its files are about to be read (see PreparingHandler).
-void prepareReading(const QList<MyDocument::BundleFile> &list)
+}  // namespace
+
+void MyDocument::prepareReading(const QStringList &paths)
 {
     QHash<HandlerKind, QStringList> byKind;
-    for (const MyDocument::BundleFile &item : list)
-        for (const QString &p : {item.path, item.previousBase})
-            if (const auto kind = p.isEmpty() ? std::nullopt : HandlerRegistry::kindForPath(p)) byKind[*kind].append(p);
+    for (const QString &p : paths)
+        if (const auto kind = p.isEmpty() ? std::nullopt : HandlerRegistry::kindForPath(p)) byKind[*kind].append(p);
     for (auto it = byKind.cbegin(); it != byKind.cend(); ++it)
         if (auto *handler = dynamic_cast<PreparingHandler *>(HandlerRegistry::handler(it.key()))) handler->prepare(it.value());
 }
-
-}  // namespace
 
 void MyDocument::addNewFile()
 {
@@ -136,7 +134,9 @@ QList<LocFilePtr> MyDocument::addPaths(const QList<QPair<QString, std::optional<
             previous = orNone(firstExisting({inFolder(previousVersions.folder, QFileInfo(path).fileName())}));
         if (bundle) {
             const QList<BundleFile> list = bundleFiles(path, previous);
-            prepareReading(list);
+            QStringList toRead;
+            for (const BundleFile &item : list) toRead << item.path << item.previousBase;
+            prepareReading(toRead);
             for (qsizetype i = 0; i < list.size(); ++i) {
                 const BundleFile &item = list.at(i);
                 if (present.contains(item.path)) continue;

@@ -3,24 +3,8 @@
 
 #include "Dialogs.h"
 #include "LocalizedText.h"
-#include "PreparingHandler.h"
 
 #include <QFileInfo>
-#include <QHash>
-
-namespace {
-
-// The interface tool runs side by side on the files about to be read, as when they were added.
-void prepareReading(const QList<LocFilePtr> &files)
-{
-    QHash<HandlerKind, QStringList> byKind;
-    for (const LocFilePtr &file : files)
-        if (const auto kind = HandlerRegistry::kindForPath(file->path())) byKind[*kind].append(file->path());
-    for (auto it = byKind.cbegin(); it != byKind.cend(); ++it)
-        if (auto *handler = dynamic_cast<PreparingHandler *>(HandlerRegistry::handler(it.key()))) handler->prepare(it.value());
-}
-
-}  // namespace
 
 // The previous versions the files were added with belong to the old target language: the files
 // are read without them, and the new pair's dictionary fills what it knows.
@@ -29,7 +13,9 @@ bool MyDocument::rereadFiles()
     setLoadingFiles(true);
     m_stopRequested = false;
     const QList<LocFilePtr> before = m_files;
-    prepareReading(before);
+    QStringList toRead;
+    for (const LocFilePtr &file : before) toRead.append(file->path());
+    prepareReading(toRead);  // as when they were added
     m_files.clear();
     QList<LocFilePtr> kept;
     int done = 0;

@@ -260,6 +260,8 @@ private:
                                                   const QStringList &bundles);
     QString destinationInBundle(const QString &bundle, bool *existing, QString *existingName, bool *cancelled);
     static QStringList resourceNames(const QString &folder);
+    // Tells each handler which of its files are about to be read (see PreparingHandler).
+    static void prepareReading(const QStringList &paths);
     static QString firstExisting(const QStringList &paths);
     struct ExportJob {
         LocFilePtr file;

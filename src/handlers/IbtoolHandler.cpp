@@ -82,6 +82,17 @@ OptString takePreparedTable(const QString &path)
     return table.text;
 }
 
+// Waits for a preparing run, stopping it at the timeout; true when it ended well.
+bool endedWell(QProcess &run)
+{
+    const bool ended = run.waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
+    if (!ended) {
+        run.kill();
+        run.waitForFinished(5'000);
+    }
+    return ended && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0;
+}
+
 // Keeps the table a preparing run left beside `path` (when the run went well) and removes it.
 void keepPreparedTable(const QString &path, const QString &table, bool keep)
 {
@@ -104,13 +115,15 @@ void prepareInBatches(const QString &program, const QStringList &paths)
     std::vector<QStringList> batches(static_cast<std::size_t>(count));
     qsizetype next = 0;
     for (const QString &path : paths)
-        if (QFileInfo::exists(path)) batches[size_t(next++ % count)].append(QFileInfo(path).absoluteFilePath());
+        if (QFileInfo::exists(path)) batches[size_t(next++ % count)].append(path);
     std::vector<std::unique_ptr<QProcess>> runs;
     for (const QStringList &batch : batches) {
         if (batch.isEmpty()) continue;
         auto run = std::make_unique<QProcess>();
         run->setProgram(program);
-        run->setArguments(QStringList{QStringLiteral("--generate-strings-files-beside"), tag} + batch);
+        QStringList arguments{QStringLiteral("--generate-strings-files-beside"), tag};
+        for (const QString &path : batch) arguments.append(QFileInfo(path).absoluteFilePath());
+        run->setArguments(arguments);
         run->setStandardInputFile(QProcess::nullDevice());
         run->setStandardOutputFile(QProcess::nullDevice());
         run->setStandardErrorFile(QProcess::nullDevice());
@@ -119,13 +132,7 @@ void prepareInBatches(const QString &program, const QStringList &paths)
     }
     for (size_t i = 0, r = 0; i < batches.size(); ++i) {
         if (batches[i].isEmpty()) continue;
-        QProcess &run = *runs[r++];
-        bool ended = run.waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
-        if (!ended) {
-            run.kill();
-            run.waitForFinished(5'000);
-        }
-        const bool clean = ended && run.exitStatus() == QProcess::NormalExit && run.exitCode() == 0;
+        const bool clean = endedWell(*runs[r++]);
         for (const QString &path : std::as_const(batches[i])) keepPreparedTable(path, QDir(folderOf(path)).filePath(stemOf(path) + tag), clean);
     }
 }
@@ -158,14 +165,8 @@ void ibtoolPrepareTables(const QStringList &paths)
     const auto finishOldest = [&running] {
         Run run = std::move(running.front());
         running.pop_front();
-        const bool ended = run.process->waitForFinished(InterfaceTool::timeoutSeconds() * 1000);
-        if (!ended) {
-            run.process->kill();
-            run.process->waitForFinished(5'000);
-        }
         // Tool warnings are not kept: a file whose run says anything is read again the usual way.
-        const bool clean = ended && run.process->exitStatus() == QProcess::NormalExit && run.process->exitCode() == 0
-                           && run.process->readAllStandardError().trimmed().isEmpty();
+        const bool clean = endedWell(*run.process) && run.process->readAllStandardError().trimmed().isEmpty();
         keepPreparedTable(run.path, run.table, clean);
     };
     for (const QString &path : paths) {

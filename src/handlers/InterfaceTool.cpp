@@ -177,8 +177,11 @@ QString pendingOutputPath(const QString &output)
 bool replaceWithPending(const QString &pending, const QString &output, QString *failure)
 {
     const QFileInfo old(output);
-    const auto renamed = [](const QString &from, const QString &to) {
-        return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+    int why = 0;  // the first failed rename's errno, before cleaning up overwrites it
+    const auto renamed = [&why](const QString &from, const QString &to) {
+        if (std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0) return true;
+        if (why == 0) why = errno;
+        return false;
     };
     bool ok = false;
     if (!QFileInfo(pending).isDir() && !(old.isDir() && !old.isSymLink())) {
@@ -196,7 +199,7 @@ bool replaceWithPending(const QString &pending, const QString &output, QString *
     }
     if (!ok) {
         removeAnything(pending);
-        if (failure) *failure = QStringLiteral("It could not take the place of the old file: %1.").arg(QString::fromLocal8Bit(std::strerror(errno)));
+        if (failure) *failure = QStringLiteral("It could not take the place of the old file: %1.").arg(QString::fromLocal8Bit(std::strerror(why)));
     }
     return ok;
 }
