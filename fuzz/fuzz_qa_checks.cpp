@@ -31,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const auto places = Qa::tablePlaces(text);
     if (const auto map = StringsTable::parse(text)) {
         for (const auto &p : *map)
-            if (!places.contains(p.first)) __builtin_trap();
+            if (!places.contains(p.first.toString())) __builtin_trap();
     }
     for (const auto &place : places) Qa::interfaceCommentBase(place.comment);
     return 0;

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                 s.replace(QLatin1String("\\"), QLatin1String("\\\\")).replace(QLatin1String("\""), QLatin1String("\\\""));
                 return QLatin1Char('"') + s + QLatin1Char('"');
             };
-            text += quote(p.first) + QLatin1String(" = ") + quote(p.second) + QLatin1String(";\n");
+            text += quote(p.first.toString()) + QLatin1String(" = ") + quote(p.second.toString()) + QLatin1String(";\n");
         }
         const auto again = StringsTable::parse(text);
         if (!again || !(*again == *map)) __builtin_trap();

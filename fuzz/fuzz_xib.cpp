@@ -32,6 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     QHash<QString, QString> after;
     for (const auto &s : again->strings()) after.insert(s.key(), s.value);
     for (const auto &p : translations)
-        if (!p.second.isEmpty() && after.value(p.first) != p.second) __builtin_trap();
+        if (!p.second.isEmpty() && after.value(p.first.toString()) != p.second) __builtin_trap();
     return 0;
 }

@@ -97,13 +97,14 @@ bool checkTable(const QString &path, const OptString &basePath, Report &report, 
     bool interfaceTable = false;
     for (const TablePlace &place : std::as_const(table->places)) interfaceTable |= bool(interfaceCommentBase(place.comment));
     qsizetype unchecked = 0;
-    for (const auto &[key, value] : table->map) {
+    for (const StringMap::Pair pair : table->map) {
+        const QString key = pair.first.toString(), value = pair.second.toString();
         const TablePlace place = table->places.value(key);
         QString baseText = key;
         if (base) {
-            const QString *found = base->map.find(key);
+            const auto found = base->map.find(key);
             if (!found) continue;  // a key of no base text has nothing to be checked against
-            baseText = *found;
+            baseText = found->toString();
         } else if (const auto fromComment = interfaceCommentBase(place.comment)) {
             baseText = *fromComment;
         } else if ((interfaceTable && isInterfaceKey(key)) || isIdentifierKey(key)) {

@@ -153,7 +153,7 @@ void LocEntry::checkNeedToLocalizeWithDictionary(const StringMap *dictionary)
     if (!dictionary) return;
     const OptString base = baseWord();
     if (!wordsEqual(base, localizedWord())) return;
-    const QString *value = dictionary->find(*base);
+    const auto value = dictionary->find(*base);
     if (value && *value == *base) setCheck(true);
 }
 

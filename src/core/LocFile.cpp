@@ -89,7 +89,7 @@ StringMap LocFile::translatorPairs(const StringMap &pairs) const
     kept.reserve(pairs.size());
     for (const auto &[base, localized] : pairs) {
         if (base.isEmpty() || localized.isEmpty()) continue;
-        if (localized == base && !confirmed.contains(base)) continue;
+        if (localized == base && !confirmed.contains(base.toString())) continue;
         kept.insert(base, localized);
     }
     return kept;

@@ -1,33 +1,36 @@
 #pragma once
 // A map of text to text that remembers the order in which keys were first inserted, so that
 // everything written from it (string tables, dictionaries, JSON) comes out in a stable order.
+//
+// All the texts live in one buffer, and a pair is four numbers into it: a table of a hundred
+// thousand pairs costs one growing allocation, not two hundred thousand small ones (which were
+// a quarter of reading a table, and as much again to free it). Reading gives views; a caller
+// that keeps a text makes its own QString.
+//
+// A view stays good while the map lives and nothing is inserted into it: an insert may move the
+// buffer. Copies share the buffer until one of them changes.
 
-#include <QHash>
 #include <QList>
-#include <QPair>
 #include <QString>
+#include <QStringView>
+
+#include <iterator>
+#include <optional>
 
 class StringMap {
 public:
-    using Pair = QPair<QString, QString>;
+    struct Pair {
+        QStringView first;   // the key
+        QStringView second;  // the value
+        bool operator==(const Pair &o) const { return first == o.first && second == o.second; }
+    };
 
     // Sets the value; a key already present keeps its place.
-    void insert(const QString &key, const QString &value)
-    {
-        const Found f = lookUp(key);
-        if (f.index >= 0) m_pairs[f.index].second = value;
-        else add(f.slot, f.hash, Pair(key, value));
-    }
-    void insert(QString &&key, QString &&value)
-    {
-        const Found f = lookUp(key);
-        if (f.index >= 0) m_pairs[f.index].second = std::move(value);
-        else add(f.slot, f.hash, Pair(std::move(key), std::move(value)));
-    }
+    void insert(QStringView key, QStringView value) { insertHashed(hashOf(key), key, value); }
     // For a reader that meets a key before its value: the key's hash, a hint that brings the
     // index slot it starts at into the cache while the value is read, and the insert that
     // reuses the hash. On a large map that slot is a cache miss, which the value's reading hides.
-    static quint32 hashOf(QStringView key) { return quint32(qHash(key, QHashSeed::globalSeed())); }
+    static quint32 hashOf(QStringView key);
     void prefetch(quint32 hash) const
     {
 #if defined(__GNUC__)
@@ -36,114 +39,101 @@ public:
         Q_UNUSED(hash);
 #endif
     }
-    void insertHashed(quint32 hash, QString &&key, QString &&value)
-    {
-        const Found f = lookUp(key, hash);
-        if (f.index >= 0) m_pairs[f.index].second = std::move(value);
-        else add(f.slot, f.hash, Pair(std::move(key), std::move(value)));
-    }
-    bool contains(QStringView key) const { return lookUp(key).index >= 0; }
-    bool contains(const QString &key) const { return contains(QStringView(key)); }
+    void insertHashed(quint32 hash, QStringView key, QStringView value);
+
+    bool contains(QStringView key) const { return lookUp(key, hashOf(key)).index >= 0; }
     // The value, or a null QString when the key is missing.
     QString value(QStringView key) const
     {
-        const QString *v = find(key);
-        return v ? *v : QString();
+        const auto v = find(key);
+        return v ? v->toString() : QString();
     }
-    QString value(const QString &key) const { return value(QStringView(key)); }
-    const QString *find(QStringView key) const
-    {
-        const qsizetype i = lookUp(key).index;
-        return i >= 0 ? &m_pairs[i].second : nullptr;
-    }
-    const QString *find(const QString &key) const { return find(QStringView(key)); }
+    // The value as a view (see above for how long it stays good), or nothing.
+    std::optional<QStringView> find(QStringView key) const;
+
     // Every pair of `other` inserted in its order; its values win.
-    void insertAll(const StringMap &other)
+    void insertAll(const StringMap &other);
+    // Room for `pairs` pairs whose texts take `units` UTF-16 units in all.
+    void reserve(qsizetype pairs, qsizetype units = 0);
+    // Gives back the room reserved and not used.
+    void squeeze()
     {
-        if (isEmpty()) {
-            *this = other;  // shares the other map's storage until one of them changes
-            return;
-        }
-        reserve(size() + other.size());
-        for (const Pair &p : other.m_pairs) insert(p.first, p.second);
-    }
-    void reserve(qsizetype n)
-    {
-        m_pairs.reserve(n);
-        if (n * 2 > m_slots.size()) rehash(n);
+        m_text.squeeze();
+        m_spans.squeeze();
     }
 
-    qsizetype size() const { return m_pairs.size(); }
-    bool isEmpty() const { return m_pairs.isEmpty(); }
-    const QList<Pair> &pairs() const { return m_pairs; }
-    auto begin() const { return m_pairs.cbegin(); }
-    auto end() const { return m_pairs.cend(); }
+    qsizetype size() const { return m_spans.size(); }
+    bool isEmpty() const { return m_spans.isEmpty(); }
+    Pair at(qsizetype i) const
+    {
+        const Span &s = m_spans.at(i);
+        return {text(s.key, s.keySize), text(s.value, s.valueSize)};
+    }
+
+    class const_iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = Pair;
+        using difference_type = qsizetype;
+        using pointer = void;
+        using reference = Pair;
+        const_iterator(const StringMap *map, qsizetype i) : m_map(map), m_i(i) {}
+        Pair operator*() const { return m_map->at(m_i); }
+        const_iterator &operator++()
+        {
+            ++m_i;
+            return *this;
+        }
+        bool operator==(const const_iterator &o) const { return m_i == o.m_i; }
+        bool operator!=(const const_iterator &o) const { return m_i != o.m_i; }
+
+    private:
+        const StringMap *m_map;
+        qsizetype m_i;
+    };
+    const_iterator begin() const { return {this, 0}; }
+    const_iterator end() const { return {this, size()}; }
 
     // Equal as maps: the same keys with the same values, whatever the order.
-    bool operator==(const StringMap &o) const
-    {
-        if (size() != o.size()) return false;
-        for (const Pair &p : m_pairs) {
-            const QString *v = o.find(p.first);
-            if (!v || *v != p.second) return false;
-        }
-        return true;
-    }
+    bool operator==(const StringMap &o) const;
     bool operator!=(const StringMap &o) const { return !(*this == o); }
+    // The same pairs in the same order.
+    bool sameOrderAs(const StringMap &o) const;
 
 private:
+    // Where a pair's texts lie in m_text.
+    struct Span {
+        qsizetype key, value;
+        qsizetype keySize, valueSize;
+    };
     // The index is open addressing over one flat array: no node per key, and a slot keeps the
     // key's hash so that a probe compares texts only when the hashes agree. Slots never empty
     // out again (pairs are never removed), so a probe ends at the first free slot.
     struct Slot {
         quint32 hash = 0;
-        qint32 index = -1;  // into m_pairs; -1: free
+        qint32 index = -1;  // into m_spans; -1: free
     };
     struct Found {
         qsizetype slot;   // where the key is, or the free slot where it would go
-        qsizetype index;  // into m_pairs, or -1
-        quint32 hash;
+        qsizetype index;  // into m_spans, or -1
     };
 
-    // The process's random seed, as QHash uses (hashOf): a table made to collide cannot slow
-    // every reader down, and a seed also picks Qt's fastest string hash where the processor has one.
-    Found lookUp(QStringView key) const { return lookUp(key, hashOf(key)); }
+    QStringView text(qsizetype at, qsizetype size) const { return QStringView(m_text.constData() + at, size); }
+    QStringView keyAt(qsizetype i) const { return text(m_spans.at(i).key, m_spans.at(i).keySize); }
     Found lookUp(QStringView key, quint32 hash) const
     {
-        if (m_slots.isEmpty()) return {-1, -1, hash};
+        if (m_slots.isEmpty()) return {-1, -1};
         const qsizetype mask = m_slots.size() - 1;
         for (qsizetype s = hash & mask;; s = (s + 1) & mask) {
             const Slot &slot = m_slots.at(s);
-            if (slot.index < 0) return {s, -1, hash};
-            if (slot.hash == hash && m_pairs.at(slot.index).first == key) return {s, slot.index, hash};
+            if (slot.index < 0) return {s, -1};
+            if (slot.hash == hash && keyAt(slot.index) == key) return {s, slot.index};
         }
     }
-    void add(qsizetype slot, quint32 hash, Pair &&pair)
-    {
-        // At most half full, so probes stay short and a free slot always ends them.
-        if (slot < 0 || (m_pairs.size() + 1) * 2 > m_slots.size()) {
-            rehash(m_pairs.size() + 1);
-            slot = lookUp(pair.first).slot;
-        }
-        m_slots[slot] = {hash, qint32(m_pairs.size())};
-        m_pairs.append(std::move(pair));
-    }
-    void rehash(qsizetype n)
-    {
-        qsizetype capacity = 16;
-        while (capacity < n * 2) capacity *= 2;
-        if (capacity <= m_slots.size()) return;
-        QList<Slot> table(capacity);
-        const qsizetype mask = capacity - 1;
-        for (const Slot &old : std::as_const(m_slots)) {
-            if (old.index < 0) continue;
-            qsizetype s = old.hash & mask;
-            while (table.at(s).index >= 0) s = (s + 1) & mask;
-            table[s] = old;
-        }
-        m_slots = std::move(table);
-    }
+    qsizetype append(QStringView s);
+    void rehash(qsizetype n);
 
-    QList<Pair> m_pairs;
+    QString m_text;
+    QList<Span> m_spans;
     QList<Slot> m_slots;
 };

@@ -36,11 +36,12 @@ int hexValue(char16_t c)
 
 const char16_t *findEither(const char16_t *p, const char16_t *end, char16_t a, char16_t b);
 
-// Unescapes the inside of a quoted word (which holds at least one backslash).
-QString unescape(const char16_t *p, const char16_t *const end)
+// Unescapes the inside of a quoted word (which holds at least one backslash) into `out`, whose
+// buffer is reused from word to word.
+QStringView unescape(const char16_t *p, const char16_t *const end, QString &out)
 {
-    // The unescaped word is never longer than the quoted one: write straight into a buffer.
-    QString out(end - p, Qt::Uninitialized);
+    // The unescaped word is never longer than the quoted one: write straight into the buffer.
+    if (out.size() < end - p) out.resize(end - p);
     char16_t *w = reinterpret_cast<char16_t *>(out.data());
     char16_t *const first = w;
     while (p < end) {
@@ -80,8 +81,7 @@ QString unescape(const char16_t *p, const char16_t *const end)
             }
         }
     }
-    out.truncate(w - first);
-    return out;
+    return QStringView(first, w - first);
 }
 
 // First unit at or after p that is `a` or `b`, or end.
@@ -219,7 +219,10 @@ public:
         StringMap map;
         // Real tables spend 40 bytes or more on a pair: reserving that many spares the index
         // most of its rehashing, and costs no pass over the text.
-        map.reserve(qMin<qsizetype>((m_bytes ? m_bytes : m_end - m_begin) / 40, 1 << 20));
+        // Every unit of a word comes from at least one byte (or unit) of the table, so the
+        // table's size is room enough for all of them; the pages never written are never used.
+        const qsizetype size = m_bytes ? m_bytes : m_end - m_begin;
+        map.reserve(qMin<qsizetype>(size / 40, 1 << 20), size);
         for (;;) {
             const char16_t *const start = p;
             const Step step = pair(map);
@@ -229,7 +232,10 @@ public:
                 if (m_blocks->hasError()) return encodingError(error);
                 continue;
             }
-            if (step == Step::End) return map;
+            if (step == Step::End) {
+                map.squeeze();
+                return map;
+            }
             return fail(error, m_message);
         }
     }
@@ -253,7 +259,10 @@ private:
     const char16_t *p = nullptr;
     const char16_t *m_begin = nullptr;
     QString m_message;
-    QString m_key, m_value;
+    // A word is a view into the text, or into its scratch buffer when it had to be unescaped;
+    // the map copies both into its own buffer.
+    QStringView m_key, m_value;
+    QString m_keyScratch, m_valueScratch;
 
     void refill(qsizetype keepFrom)
     {
@@ -267,11 +276,11 @@ private:
     {
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end) return Step::End;
-        if (!word(m_key)) return error(QStringLiteral("expected a quoted or unquoted key"));
+        if (!word(m_key, m_keyScratch)) return error(QStringLiteral("expected a quoted or unquoted key"));
         if (!skipSpaceAndComments()) return Step::Error;
         if (p < m_end && *p == u';') {  // the short form: the key is its own value
             ++p;
-            map.insert(m_key, QString(m_key));
+            map.insert(m_key, m_key);
             return Step::Pair;
         }
         if (p == m_end || *p != u'=') return error(QStringLiteral("expected \"=\" or \";\" after a key"));
@@ -279,11 +288,11 @@ private:
         const quint32 hash = StringMap::hashOf(m_key);
         map.prefetch(hash);
         if (!skipSpaceAndComments()) return Step::Error;
-        if (!word(m_value)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
+        if (!word(m_value, m_valueScratch)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end || *p != u';') return error(QStringLiteral("expected \";\" after a value"));
         ++p;
-        map.insertHashed(hash, std::move(m_key), std::move(m_value));
+        map.insertHashed(hash, m_key, m_value);
         return Step::Pair;
     }
 
@@ -335,19 +344,19 @@ private:
         return true;
     }
 
-    bool word(QString &out)
+    bool word(QStringView &out, QString &scratch)
     {
         m_message.clear();
         if (p == m_end) return false;
-        if (*p == u'"') return quoted(out);
+        if (*p == u'"') return quoted(out, scratch);
         const char16_t *start = p;
         while (p < m_end && isUnquotedChar(*p)) ++p;
         if (p == start) return false;
-        out = QString(reinterpret_cast<const QChar *>(start), p - start);
+        out = QStringView(start, p - start);
         return true;
     }
 
-    bool quoted(QString &out)
+    bool quoted(QStringView &out, QString &scratch)
     {
         const char16_t *start = ++p;
         bool escaped = false;
@@ -359,7 +368,7 @@ private:
             m_message = QStringLiteral("a quoted string is not closed");
             return false;
         }
-        out = escaped ? unescape(start, p) : QString(reinterpret_cast<const QChar *>(start), p - start);
+        out = escaped ? unescape(start, p, scratch) : QStringView(start, p - start);
         ++p;
         return true;
     }

@@ -56,12 +56,17 @@ qsizetype appendDistinct(DictRows &rows, const QList<StringMap::Pair> &pairs)
     const qsizetype before = rows.size();
     rows.reserve(before + pairs.size());
     for (const StringMap::Pair &pair : pairs) {
-        PairKey k{pair.first, pair.second};
+        PairKey k{pair.first.toString(), pair.second.toString()};
         if (present.contains(k)) continue;
+        rows.append(std::make_shared<DictEntry>(k.key, k.value));
         present.insert(std::move(k));
-        rows.append(std::make_shared<DictEntry>(pair.first, pair.second));
     }
     return rows.size() - before;
+}
+
+qsizetype appendDistinct(DictRows &rows, const StringMap &map)
+{
+    return appendDistinct(rows, QList<StringMap::Pair>(map.begin(), map.end()));
 }
 
 DictEntryPtr sameEntry(const DictEntry &row, const DictRows &rows)

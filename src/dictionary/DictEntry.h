@@ -44,7 +44,7 @@ namespace DictRowList {
 // another value are kept: the list holds every distinct pair. Returns how many were appended.
 // Hashes the pairs present once, so adding n pairs to m rows costs O(n + m).
 qsizetype appendDistinct(DictRows &rows, const QList<StringMap::Pair> &pairs);
-inline qsizetype appendDistinct(DictRows &rows, const StringMap &map) { return appendDistinct(rows, map.pairs()); }
+qsizetype appendDistinct(DictRows &rows, const StringMap &map);
 // The first row of `rows` whose key and value are both equal, as text, to `row`'s.
 DictEntryPtr sameEntry(const DictEntry &row, const DictRows &rows);
 }  // namespace DictRowList

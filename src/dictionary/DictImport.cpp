@@ -222,7 +222,7 @@ qsizetype DictWindowController::importDictionaryFromApp(const QString &bundlePat
             if (!table || !interfaceFile) continue;
             StringMap pairs;
             for (const interface::LocalizableString &s : interfaceFile->strings()) {
-                const QString *translated = table->find(s.key());
+                const auto translated = table->find(s.key());
                 if (translated && !s.value.isEmpty() && *translated != s.value) pairs.insert(s.value, *translated);
             }
             addDictionary(pairs);

@@ -4,7 +4,7 @@
 
 namespace StringsFileWriter {
 
-QString escapeWord(const QString &word)
+QString escapeWord(QStringView word)
 {
     QString out;
     out.reserve(word.size() + 8);

@@ -13,7 +13,7 @@ namespace StringsFileWriter {
 // A word as it stands between the quotes: backslash and quote escaped, a line feed kept as it
 // is, an unpaired UTF-16 surrogate (UTF-8 cannot carry it) and U+FEFF (readers drop it as a
 // byte-order mark) written as \UXXXX.
-QString escapeWord(const QString &word);
+QString escapeWord(QStringView word);
 
 }  // namespace StringsFileWriter
 

@@ -35,8 +35,8 @@ const StringMap &table()
 
 QString localizedString(const QString &key)
 {
-    const QString *text = table().find(key);
-    return text ? *text : key;
+    const auto text = table().find(key);
+    return text ? text->toString() : key;
 }
 
 void setInterfaceLanguage(const QString &language)

@@ -95,7 +95,7 @@ bool writeLocalizedTable(LocFile &file, const QString &folder)
         const std::optional<StringMap> map = StringsTable::parse(text);
         plist::Dictionary dict;
         if (map)
-            for (const auto &[key, value] : map->pairs()) dict.append({key, plist::Value::fromString(value)});
+            for (const auto &[key, value] : *map) dict.append({key.toString(), plist::Value::fromString(value.toString())});
         bytes = plist::toBinary(plist::Value::fromDictionary(dict));
         break;
     }

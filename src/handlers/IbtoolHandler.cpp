@@ -261,7 +261,7 @@ void parseBlocks(LocFile &file, const QString &entries, Lookup previousWord, con
             if (decided) entry->setCheck(true);
         } else if (map) {
             const OptString base = entry->baseWord();
-            if (const QString *word = base ? map->find(*base) : nullptr) entry->setLocalizedWord(*word);
+            if (const auto word = base ? map->find(*base) : std::nullopt) entry->setLocalizedWord(word->toString());
         }
         entry->checkNeedToLocalizeWithDictionary(map);
         all.append(entry);
@@ -290,12 +290,12 @@ void ibtoolParseEntries(LocFile &file, const QString &entries, const StringMap &
         file, entries,
         [&previousTable](const LocEntry &entry, bool *decided) -> OptString {
             const OptString key = entry.keyWord();
-            const QString *word = key ? previousTable.find(*key) : nullptr;
+            const auto word = key ? previousTable.find(*key) : std::nullopt;
             if (!word || word->isEmpty()) return std::nullopt;
             // The previous release's table names this key: its word, even where it equals the
             // base word, is what that release shipped, so the entry starts checked.
             *decided = true;
-            return *word;
+            return word->toString();
         },
         dictionaryPath);
 }

@@ -36,7 +36,7 @@ ReadList readPropertyList(const QString &path)
     if (const auto table = dictionaryWithContentsOfFile(path)) {
         plist::Dictionary dictionary;
         dictionary.reserve(table->size());
-        for (const auto &[key, value] : *table) dictionary.append({key, plist::Value::fromString(value)});
+        for (const auto &[key, value] : *table) dictionary.append({key.toString(), plist::Value::fromString(value.toString())});
         return {plist::Value::fromDictionary(dictionary), QString()};
     }
     return {std::nullopt, result.error.isEmpty() ? QStringLiteral("not a property list") : result.error};
@@ -73,8 +73,8 @@ private:
         if (value.isDictionary()) return extractBaseDict(value.dictionary(), previous);
         if (!value.isString()) return;
         OptString word;
-        if (const QString *found = m_dictionary ? m_dictionary->find(value.string()) : nullptr)
-            word = *found;
+        if (const auto found = m_dictionary ? m_dictionary->find(value.string()) : std::nullopt)
+            word = found->toString();
         else if (previous && previous->isString())
             word = previous->string();
         LocEntryPtr entry =

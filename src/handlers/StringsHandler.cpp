@@ -96,17 +96,17 @@ QString syntaxWarning(const LocFile &file, const StringsTable::Error &error, con
 }
 
 // A plain word (a key of the previous version) in the escaped form of a table's quoted word.
-QString escapedTableWord(const QString &plain)
+QString escapedTableWord(QStringView plain)
 {
-    QString word = plain;
+    QString word = plain.toString();
     word.replace(u'\\', QLatin1String("\\\\")).replace(u'"', QLatin1String("\\\""));
     return word.replace(u'\n', QLatin1String("\\n"));
 }
 
 // The word of a table in the escaped form entries keep: line feeds as \n.
-QString entryWord(const QString &plain)
+QString entryWord(QStringView plain)
 {
-    return replaceStringFrom(plain, QStringLiteral("\n"), QStringLiteral("\\n"));
+    return replaceStringFrom(plain.toString(), QStringLiteral("\n"), QStringLiteral("\\n"));
 }
 
 // The localized word of an entry made here. The pair line is "base" = "localized"; and its base
@@ -125,21 +125,21 @@ QString pairLineValue(const LocEntry &entry, const QString &baseWord)
     return wordOrEmpty(entry.localizedWord());
 }
 
-const QString *findPrevious(const StringMap &previous, const QString &key)
+std::optional<QStringView> findPrevious(const StringMap &previous, const QString &key)
 {
     if (const OptString plain = unescapedTableWord(key))
-        if (const QString *word = previous.find(*plain)) return word;
+        if (const auto word = previous.find(*plain)) return word;
     // The lookup form of older versions: only \n and \" resolved.
     QString lookup = replaceStringFrom(key, QStringLiteral("\\n"), QStringLiteral("\n"));
     lookup = replaceStringFrom(lookup, QStringLiteral("\\\""), QStringLiteral("\""));
     return previous.find(lookup);
 }
 
-const QString *findInDictionary(const StringMap &dictionary, const QString &baseWord)
+std::optional<QStringView> findInDictionary(const StringMap &dictionary, const QString &baseWord)
 {
-    if (const QString *word = dictionary.find(baseWord)) return word;
+    if (const auto word = dictionary.find(baseWord)) return word;
     const OptString plain = unescapedTableWord(baseWord);
-    return plain && *plain != baseWord ? dictionary.find(*plain) : nullptr;
+    return plain && *plain != baseWord ? dictionary.find(*plain) : std::nullopt;
 }
 
 }  // namespace
@@ -194,7 +194,7 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
         entries.append(entry);
 
         if (previous) {
-            if (const QString *word = findPrevious(*previous, key)) {
+            if (const auto word = findPrevious(*previous, key)) {
                 entry->setLocalizedWord(entryWord(*word));
                 entry->checkNeedToLocalize();
                 continue;
@@ -202,7 +202,7 @@ void extractStringsDataWithDictionary(LocFile &file, const OptString &dictionary
         }
         const OptString baseWord = entry->baseWord();
         if (dictionary && wordLength(baseWord) > 0) {
-            if (const QString *word = findInDictionary(*dictionary, *baseWord)) {
+            if (const auto word = findInDictionary(*dictionary, *baseWord)) {
                 entry->setLocalizedWord(entryWord(*word));
                 entry->checkNeedToLocalize();
             }

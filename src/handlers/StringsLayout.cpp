@@ -202,5 +202,5 @@ OptString unescapedTableWord(const QString &escaped)
     if (!escaped.contains(u'\\') && !escaped.contains(u'"')) return escaped;
     const auto map = StringsTable::parse(QString(u'"' + escaped + QLatin1String("\";")));
     if (!map || map->size() != 1) return std::nullopt;
-    return map->pairs().constFirst().first;
+    return map->at(0).first.toString();
 }

@@ -118,7 +118,7 @@ void extractStringsdictWithDictionary(LocFile &file, const OptString &dictionary
             entry->setLocalizedWord(*old);
             entry->setCheck(true);
         } else if (dictionary) {
-            if (const QString *word = dictionary->find(text)) entry->setLocalizedWord(*word);
+            if (const auto word = dictionary->find(text)) entry->setLocalizedWord(word->toString());
             entry->checkNeedToLocalizeWithDictionary(&*dictionary);
         }
         entries.append(entry);

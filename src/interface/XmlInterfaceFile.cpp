@@ -181,13 +181,13 @@ bool XmlInterfaceFile::merged(const StringMap &translations, QByteArray *out, QS
     TextEdits edits;
     QHash<int, QList<QByteArray>> newChildren;
     for (const auto &pair : translations) {
-        const auto it = m_byKey.constFind(pair.first);
+        const auto it = m_byKey.constFind(pair.first.toString());
         if (it == m_byKey.constEnd()) {
             m_warnings.append(QStringLiteral("key \"%1\" names no localizable string of the file; ignored").arg(pair.first));
             continue;
         }
         if (m_strings[*it].value == pair.second) continue;
-        applyValue(edits, newChildren, m_locations[*it], pair.second);
+        applyValue(edits, newChildren, m_locations[*it], pair.second.toString());
     }
     const QByteArray &bytes = m_xml.bytes();
     for (auto it = newChildren.cbegin(); it != newChildren.cend(); ++it) {

@@ -158,7 +158,7 @@ std::optional<QList<TableEntry>> interfaceTable(const QString &path)
     for (const Block &b : ibtoolBlocks(*text)) {
         const auto pair = StringsTable::parse(b.pair);
         if (!pair || pair->isEmpty()) return std::nullopt;
-        entries.append({b.objectId, pair->pairs().first().first, pair->pairs().first().second});
+        entries.append({b.objectId, pair->at(0).first.toString(), pair->at(0).second.toString()});
     }
     if (entries.isEmpty() || entries.size() != text->count(u"\" = \"")) return std::nullopt;
     return entries;
@@ -334,8 +334,8 @@ private slots:
         QHash<QString, QString> after;
         for (const LocalizableString &s : again->strings()) after.insert(s.key(), s.value);
         for (const LocalizableString &s : file->strings()) {
-            const QString *t = translations->find(s.key());
-            const QString expected = t ? *t : s.value;
+            const auto t = translations->find(s.key());
+            const QString expected = t ? t->toString() : s.value;
             if (expected.isEmpty()) QVERIFY2(!after.contains(s.key()), qPrintable(s.key()));
             else QVERIFY2(after.value(s.key()) == expected, qPrintable(s.key() + S(": ") + after.value(s.key())));
         }
@@ -344,7 +344,7 @@ private slots:
         const auto slotsIn = slotsOf(in), slotsOut = slotsOf(out);
         if (slotsIn.size() != slotsOut.size()) return;  // a value moved between attribute and element
         QSet<QString> values;
-        for (const auto &p : *translations) values.insert(p.second);
+        for (const auto &p : *translations) values.insert(p.second.toString());
         QList<QPair<qsizetype, qsizetype>> cutIn, cutOut;
         for (qsizetype i = 0; i < slotsIn.size(); ++i) {
             QCOMPARE(slotsOut[i].name, slotsIn[i].name);
@@ -509,8 +509,8 @@ private slots:
             // too, but for the short form "x";, which the peer reads as an empty value.
             std::optional<StringMap> core = StringsTable::parseData(readFile(path));
             QVERIFY2(StringsTable::readFile(path) == core, "the table read as it streams in differs");
-            if (core && *peer)
-                for (const auto &[key, value] : QList(core->pairs()))
+            if (const StringMap read = core.value_or(StringMap()); core && *peer)
+                for (const auto &[key, value] : read)
                     if (key == value && (*peer)->value(key).isEmpty()) core->insert(key, QString());
             QVERIFY2(core == *peer, "the table reader and the peer disagree");
         }
@@ -579,7 +579,7 @@ private slots:
             return;
         }
         for (const LocEntryPtr &e : file->allEntries()) {
-            const QString *word = (*peer)->find(plainWord(e->keyWord()));
+            const auto word = (*peer)->find(plainWord(e->keyWord()));
             // A backslash in a previous word is not escaped on the way in: such words come back
             // in another form.
             if (!word || word->contains(u'\\')) continue;

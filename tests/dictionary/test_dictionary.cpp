@@ -84,7 +84,7 @@ private slots:
         QVERIFY2(read, qPrintable(readError.message));
         QCOMPARE(read->size(), 3);
         QCOMPARE(read->value(key), value);
-        QCOMPARE(read->pairs().at(1).first, key);
+        QCOMPARE(read->at(1).first, key);
     }
     void firstMergeCreatesFile()
     {

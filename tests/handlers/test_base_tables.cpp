@@ -23,7 +23,7 @@ QByteArray encoded(const QString &form, const QString &text)
     if (form == QLatin1String("binary")) {
         plist::Dictionary dict;
         const std::optional<StringMap> pairs = StringsTable::parse(text);
-        for (const auto &[k, v] : *pairs) dict.append({k, plist::Value::fromString(v)});
+        for (const auto &[k, v] : *pairs) dict.append({k.toString(), plist::Value::fromString(v.toString())});
         return plist::toBinary(plist::Value::fromDictionary(dict));
     }
     return text.toUtf8();

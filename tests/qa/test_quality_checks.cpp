@@ -135,7 +135,8 @@ private slots:
             const auto map = StringsTable::parseData(bytes);
             if (!map) continue;
             const auto places = Qa::tablePlaces(StringUtility::wordOrEmpty(decodeTextFileData(bytes)));
-            for (const auto &[key, value] : *map) {
+            for (const StringMap::Pair pair : *map) {
+                const QString key = pair.first.toString(), value = pair.second.toString();
                 const auto base = interfaceCommentBase(places.value(key).comment);
                 if (!base || base->isEmpty() || value.isEmpty() || !checkTranslation(*base, value, false).isEmpty()) continue;
                 const QString where = it.filePath() + u' ' + key;

@@ -94,10 +94,10 @@ QByteArray CompiledNib::localizedData(const StringMap &translations, int *replac
     std::unique_ptr<ArchiveGraph> copy = m_graph->clone();
     int changed = 0;
     for (const FoundString &f : m_found) {
-        const QString *value = translations.find(f.string.key());
+        const auto value = translations.find(f.string.key());
         if (!value || *value == f.string.value) continue;
         for (const Slot &slot : f.places)
-            if (copy->setText(slot, *value)) ++changed;
+            if (copy->setText(slot, value->toString())) ++changed;
     }
     if (replaced) *replaced = changed;
     return copy->serialize();
@@ -109,7 +109,7 @@ bool CompiledNib::write(const QString &outPath, const StringMap &translations, Q
     QSet<QString> keys;
     for (const FoundString &f : m_found) keys.insert(f.string.key());
     for (const auto &pair : translations)
-        if (!keys.contains(pair.first))
+        if (!keys.contains(pair.first.toString()))
             m_warnings.append(QStringLiteral("key \"%1\" names no localizable string of the file; ignored").arg(pair.first));
     return writeFileAtomically(outPath, localizedData(translations), error);
 }

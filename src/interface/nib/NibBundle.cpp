@@ -115,7 +115,7 @@ StringMap NibBundle::translationsFor(const InterfaceFile &part, const QList<Loca
             const int n = seen[s.value]++;
             if (!keys.isEmpty()) key = keys[std::min<qsizetype>(n, keys.size() - 1)];
         }
-        if (const QString *value = key.isEmpty() ? nullptr : translations.find(key)) mapped.insert(s.key(), *value);
+        if (const auto value = key.isEmpty() ? std::nullopt : translations.find(key)) mapped.insert(s.key(), *value);
     }
     return mapped;
 }

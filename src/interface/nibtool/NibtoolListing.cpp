@@ -83,7 +83,7 @@ QList<ListingBlock> listingBlocks(const InterfaceFile &file, const InterfaceFile
             }
         }
         if (!found && dictionary)
-            if (const QString *v = dictionary->find(text)) block.value = *v;
+            if (const auto v = dictionary->find(text)) block.value = v->toString();
         blocks.append(block);
     }
     return blocks;
@@ -107,7 +107,7 @@ StringMap translationsByText(const InterfaceFile &file, const StringMap &table)
 {
     StringMap translations;
     for (const LocalizableString &s : file.strings())
-        if (const QString *v = table.find(s.value)) translations.insert(s.key(), *v);
+        if (const auto v = table.find(s.value)) translations.insert(s.key(), *v);
     return translations;
 }
 
