@@ -9,33 +9,62 @@ quint32 StringMap::hashOf(QStringView key)
     return quint32(qHash(key, QHashSeed::globalSeed()));
 }
 
-void StringMap::insertHashed(quint32 hash, QStringView key, QStringView value)
+void StringMap::insert(QStringView key, QStringView value)
 {
     // A text taken from this very map would move with the buffer while it is copied.
     const auto inside = [this](QStringView s) {
         return !s.isEmpty() && s.data() >= m_text.constData() && s.data() < m_text.constData() + m_text.size();
     };
     if (inside(key) || inside(value)) {
-        const QString k = key.toString(), v = value.toString();
-        insertHashed(hash, k, v);
+        insert(key.toString(), value.toString());
         return;
     }
-    Found f = lookUp(key, hash);
+    m_spans.append(append(key, value));
+    index(m_spans.size() - 1, hashOf(key));
+}
+
+void StringMap::Appender::add(QStringView key, QStringView value)
+{
+    if (m_waiting == kWindow) settleOldest();
+    const quint32 hash = hashOf(key);
+#if defined(__GNUC__)
+    if (!m_map.m_slots.isEmpty()) __builtin_prefetch(m_map.m_slots.constData() + (hash & (m_map.m_slots.size() - 1)));
+#endif
+    m_map.m_spans.append(m_map.append(key, value));
+    m_hashes[(m_first + m_waiting++) % kWindow] = hash;
+}
+
+void StringMap::Appender::finish()
+{
+    while (m_waiting) settleOldest();
+}
+
+void StringMap::Appender::settleOldest()
+{
+    const quint32 hash = m_hashes[m_first];
+    m_first = (m_first + 1) % kWindow;
+    --m_waiting;
+    // The waiting pairs are the last ones; the oldest stands just before the others.
+    m_map.index(m_map.m_spans.size() - m_waiting - 1, hash);
+}
+
+void StringMap::index(qsizetype i, quint32 hash)
+{
+    const Span span = m_spans.at(i);
+    Found f = lookUp(text(span.key, span.keySize), hash);
     if (f.index >= 0) {
-        // The old value's units stay behind, unused: pairs are replaced far less than added.
-        Span &span = m_spans[f.index];
-        span.value = append(value);
-        span.valueSize = value.size();
+        // The key's texts are equal, so the new run stands for the old pair whole. The old run
+        // stays behind, unused: pairs are replaced far less than added.
+        m_spans[f.index] = span;
+        m_spans.remove(i);
         return;
     }
     // At most half full, so probes stay short and a free slot always ends them.
-    if (f.slot < 0 || (m_spans.size() + 1) * 2 > m_slots.size()) {
-        rehash(m_spans.size() + 1);
-        f = lookUp(key, hash);
+    if (f.slot < 0 || (i + 1) * 2 > m_slots.size()) {
+        rehash(i + 1);
+        f = lookUp(text(span.key, span.keySize), hash);
     }
-    const qsizetype k = append(key);
-    m_slots[f.slot] = {hash, qint32(m_spans.size())};
-    m_spans.append({k, append(value), key.size(), value.size()});
+    m_slots[f.slot] = {hash, qint32(i)};
 }
 
 std::optional<QStringView> StringMap::find(QStringView key) const
@@ -43,7 +72,7 @@ std::optional<QStringView> StringMap::find(QStringView key) const
     const qsizetype i = lookUp(key, hashOf(key)).index;
     if (i < 0) return std::nullopt;
     const Span &s = m_spans.at(i);
-    return text(s.value, s.valueSize);
+    return text(s.key + s.keySize, s.valueSize);
 }
 
 void StringMap::insertAll(const StringMap &other)
@@ -81,11 +110,12 @@ bool StringMap::sameOrderAs(const StringMap &o) const
     return true;
 }
 
-qsizetype StringMap::append(QStringView s)
+StringMap::Span StringMap::append(QStringView key, QStringView value)
 {
-    const qsizetype at = m_text.size();
-    m_text.append(s);
-    return at;
+    const Span span{m_text.size(), key.size(), value.size()};
+    m_text.append(key);
+    m_text.append(value);
+    return span;
 }
 
 void StringMap::rehash(qsizetype n)

@@ -26,20 +26,28 @@ public:
     };
 
     // Sets the value; a key already present keeps its place.
-    void insert(QStringView key, QStringView value) { insertHashed(hashOf(key), key, value); }
-    // For a reader that meets a key before its value: the key's hash, a hint that brings the
-    // index slot it starts at into the cache while the value is read, and the insert that
-    // reuses the hash. On a large map that slot is a cache miss, which the value's reading hides.
+    void insert(QStringView key, QStringView value);
     static quint32 hashOf(QStringView key);
-    void prefetch(quint32 hash) const
-    {
-#if defined(__GNUC__)
-        if (!m_slots.isEmpty()) __builtin_prefetch(m_slots.constData() + (hash & (m_slots.size() - 1)));
-#else
-        Q_UNUSED(hash);
-#endif
-    }
-    void insertHashed(quint32 hash, QStringView key, QStringView value);
+
+    // Fills a map the way a reader does, a pair after another, faster than insert: a large map's
+    // index is far bigger than the cache, so looking a key up there waits on memory. An Appender
+    // asks for the key's slot as soon as it has the pair and looks it up only a few pairs later,
+    // when the slot has arrived. The pairs waiting are settled (a repeated key keeps its first
+    // place and takes the last value, as with insert) by finish(), which must come before the
+    // map is read.
+    class Appender {
+    public:
+        explicit Appender(StringMap &map) : m_map(map) {}
+        void add(QStringView key, QStringView value);
+        void finish();
+
+    private:
+        static constexpr int kWindow = 8;
+        void settleOldest();
+        StringMap &m_map;
+        quint32 m_hashes[kWindow] = {};
+        int m_first = 0, m_waiting = 0;
+    };
 
     bool contains(QStringView key) const { return lookUp(key, hashOf(key)).index >= 0; }
     // The value, or a null QString when the key is missing.
@@ -67,7 +75,7 @@ public:
     Pair at(qsizetype i) const
     {
         const Span &s = m_spans.at(i);
-        return {text(s.key, s.keySize), text(s.value, s.valueSize)};
+        return {text(s.key, s.keySize), text(s.key + s.keySize, s.valueSize)};
     }
 
     class const_iterator {
@@ -101,9 +109,10 @@ public:
     bool sameOrderAs(const StringMap &o) const;
 
 private:
-    // Where a pair's texts lie in m_text.
+    // Where a pair's texts lie in m_text: the key, and the value right after it. A new value
+    // is written with its key again, so a pair is always one run of text.
     struct Span {
-        qsizetype key, value;
+        qsizetype key;
         qsizetype keySize, valueSize;
     };
     // The index is open addressing over one flat array: no node per key, and a slot keeps the
@@ -130,7 +139,10 @@ private:
             if (slot.hash == hash && keyAt(slot.index) == key) return {s, slot.index};
         }
     }
-    qsizetype append(QStringView s);
+    Span append(QStringView key, QStringView value);
+    // Gives the pair at `i`, not yet in the index, its slot, or its value to the pair of the
+    // same key before it (and removes it).
+    void index(qsizetype i, quint32 hash);
     void rehash(qsizetype n);
 
     QString m_text;

@@ -36,38 +36,42 @@ int hexValue(char16_t c)
 
 const char16_t *findEither(const char16_t *p, const char16_t *end, char16_t a, char16_t b);
 
-// Unescapes the inside of a quoted word (which holds at least one backslash) into `out`, whose
-// buffer is reused from word to word.
-QStringView unescape(const char16_t *p, const char16_t *const end, QString &out)
+// Reads the rest of a quoted word whose first backslash is at `backslash`, resolving escapes
+// into `out` (a buffer reused from word to word) as it goes, so an escaped word is scanned once.
+// Returns the closing quote and the word's size in `size`, or `end` when the word is not closed.
+const char16_t *unescapeQuoted(const char16_t *p, const char16_t *backslash, const char16_t *const end, QString &out,
+                               qsizetype *size)
 {
-    // The unescaped word is never longer than the quoted one: write straight into the buffer.
-    if (out.size() < end - p) out.resize(end - p);
-    char16_t *w = reinterpret_cast<char16_t *>(out.data());
-    char16_t *const first = w;
-    while (p < end) {
-        if (*p != u'\\') {
-            const char16_t *next = findEither(p, end, u'\\', u'\\');
-            std::memcpy(w, p, size_t(next - p) * sizeof(char16_t));
-            w += next - p;
-            p = next;
-            continue;
+    qsizetype n = 0;
+    for (const char16_t *next = backslash;; next = findEither(p, end, u'"', u'\\')) {
+        if (next >= end) return end;
+        // The word never outgrows the text it comes from: room for the run and one unit.
+        if (out.size() < n + (next - p) + 1) out.resize(qMax(2 * out.size(), n + (next - p) + 64));
+        char16_t *w = reinterpret_cast<char16_t *>(out.data());
+        std::memcpy(w + n, p, size_t(next - p) * sizeof(char16_t));
+        n += next - p;
+        p = next;
+        if (*p == u'"') {
+            *size = n;
+            return p;
         }
-        const char16_t c = *++p;
-        ++p;
+        if (p + 1 >= end) return end;  // a backslash with nothing after it
+        const char16_t c = p[1];
+        p += 2;
         switch (c) {
-        case u'a': *w++ = 7; break;
-        case u'b': *w++ = 8; break;
-        case u'f': *w++ = 12; break;
-        case u'n': *w++ = 10; break;
-        case u'r': *w++ = 13; break;
-        case u't': *w++ = 9; break;
-        case u'v': *w++ = 11; break;
+        case u'a': w[n++] = 7; break;
+        case u'b': w[n++] = 8; break;
+        case u'f': w[n++] = 12; break;
+        case u'n': w[n++] = 10; break;
+        case u'r': w[n++] = 13; break;
+        case u't': w[n++] = 9; break;
+        case u'v': w[n++] = 11; break;
         case u'U':
         case u'u': {
             // Up to four hexadecimal digits give one UTF-16 code unit.
             int code = 0, digits = 0;
             while (digits < 4 && p < end && hexValue(*p) >= 0) code = code * 16 + hexValue(*p++), ++digits;
-            *w++ = digits ? char16_t(code) : c;
+            w[n++] = digits ? char16_t(code) : c;
             break;
         }
         default:
@@ -75,13 +79,12 @@ QStringView unescape(const char16_t *p, const char16_t *const end, QString &out)
                 // Up to three octal digits give one byte, taken as a Latin-1 character.
                 int code = c - u'0', digits = 1;
                 while (digits < 3 && p < end && *p >= u'0' && *p <= u'7') code = code * 8 + (*p++ - u'0'), ++digits;
-                *w++ = char16_t(code & 0xFF);
+                w[n++] = char16_t(code & 0xFF);
             } else {
-                *w++ = c;  // \" \\ \' and any other character stand for themselves
+                w[n++] = c;  // \" \\ \' and any other character stand for themselves
             }
         }
     }
-    return QStringView(first, w - first);
 }
 
 // First unit at or after p that is `a` or `b`, or end.
@@ -223,9 +226,10 @@ public:
         // table's size is room enough for all of them; the pages never written are never used.
         const qsizetype size = m_bytes ? m_bytes : m_end - m_begin;
         map.reserve(qMin<qsizetype>(size / 40, 1 << 20), size);
+        StringMap::Appender out(map);
         for (;;) {
             const char16_t *const start = p;
-            const Step step = pair(map);
+            const Step step = pair(out);
             if (step == Step::Pair) continue;
             if (m_blocks && !m_blocks->atEnd()) {
                 refill(start - m_begin);
@@ -233,6 +237,7 @@ public:
                 continue;
             }
             if (step == Step::End) {
+                out.finish();
                 map.squeeze();
                 return map;
             }
@@ -272,7 +277,7 @@ private:
         m_end = end(m_text);
     }
 
-    Step pair(StringMap &map)
+    Step pair(StringMap::Appender &out)
     {
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end) return Step::End;
@@ -280,19 +285,17 @@ private:
         if (!skipSpaceAndComments()) return Step::Error;
         if (p < m_end && *p == u';') {  // the short form: the key is its own value
             ++p;
-            map.insert(m_key, m_key);
+            out.add(m_key, m_key);
             return Step::Pair;
         }
         if (p == m_end || *p != u'=') return error(QStringLiteral("expected \"=\" or \";\" after a key"));
         ++p;
-        const quint32 hash = StringMap::hashOf(m_key);
-        map.prefetch(hash);
         if (!skipSpaceAndComments()) return Step::Error;
         if (!word(m_value, m_valueScratch)) return error(m_message.isEmpty() ? QStringLiteral("expected a value after \"=\"") : m_message);
         if (!skipSpaceAndComments()) return Step::Error;
         if (p == m_end || *p != u';') return error(QStringLiteral("expected \";\" after a value"));
         ++p;
-        map.insertHashed(hash, m_key, m_value);
+        out.add(m_key, m_value);
         return Step::Pair;
     }
 
@@ -324,6 +327,8 @@ private:
     // False on an unterminated comment.
     bool skipSpaceAndComments()
     {
+        // Most calls stand on a quote, "=" or ";" already.
+        if (p < m_end && *p > u' ' && *p < 0x80 && *p != u'/') return true;
         while (p < m_end) {
             if (isSpace(*p)) {
                 ++p;
@@ -359,16 +364,19 @@ private:
     bool quoted(QStringView &out, QString &scratch)
     {
         const char16_t *start = ++p;
-        bool escaped = false;
-        // From backslash to backslash: an escape takes the backslash and the unit after it.
-        for (p = findEither(p, m_end, u'"', u'\\'); p < m_end && *p == u'\\'; p = findEither(p + 2, m_end, u'"', u'\\'))
-            escaped = true;
+        p = findEither(p, m_end, u'"', u'\\');
+        if (p < m_end && *p == u'"') {
+            out = QStringView(start, p - start);
+        } else if (p < m_end) {
+            qsizetype size = 0;
+            p = unescapeQuoted(start, p, m_end, scratch, &size);
+            out = QStringView(scratch.constData(), size);
+        }
         if (p >= m_end) {
             p = m_end;
             m_message = QStringLiteral("a quoted string is not closed");
             return false;
         }
-        out = escaped ? unescape(start, p, scratch) : QStringView(start, p - start);
         ++p;
         return true;
     }
