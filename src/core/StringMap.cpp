@@ -12,14 +12,11 @@ quint32 StringMap::hashOf(QStringView key)
 void StringMap::insert(QStringView key, QStringView value)
 {
     // A text taken from this very map would move with the buffer while it is copied.
-    const auto inside = [this](QStringView s) {
-        return !s.isEmpty() && s.data() >= m_text.constData() && s.data() < m_text.constData() + m_text.size();
-    };
-    if (inside(key) || inside(value)) {
+    if ((!key.isEmpty() && holds(key)) || (!value.isEmpty() && holds(value))) {
         insert(key.toString(), value.toString());
         return;
     }
-    m_spans.append(append(key, value));
+    m_spans.append(place(key, value));
     index(m_spans.size() - 1, hashOf(key));
 }
 
@@ -30,8 +27,14 @@ void StringMap::Appender::add(QStringView key, QStringView value)
 #if defined(__GNUC__)
     if (!m_map.m_slots.isEmpty()) __builtin_prefetch(m_map.m_slots.constData() + (hash & (m_map.m_slots.size() - 1)));
 #endif
-    m_map.m_spans.append(m_map.append(key, value));
+    m_map.m_spans.append(m_map.place(key, value));
     m_hashes[(m_first + m_waiting++) % kWindow] = hash;
+}
+
+char16_t *StringMap::Appender::adopt(QString &&text)
+{
+    m_map.m_text = std::move(text);
+    return reinterpret_cast<char16_t *>(m_map.m_text.data());
 }
 
 void StringMap::Appender::finish()
@@ -53,9 +56,9 @@ void StringMap::index(qsizetype i, quint32 hash)
     const Span span = m_spans.at(i);
     Found f = lookUp(text(span.key, span.keySize), hash);
     if (f.index >= 0) {
-        // The key's texts are equal, so the new run stands for the old pair whole. The old run
-        // stays behind, unused: pairs are replaced far less than added.
-        m_spans[f.index] = span;
+        // The old value's units stay behind, unused: pairs are replaced far less than added.
+        m_spans[f.index].value = span.value;
+        m_spans[f.index].valueSize = span.valueSize;
         m_spans.remove(i);
         return;
     }
@@ -72,7 +75,7 @@ std::optional<QStringView> StringMap::find(QStringView key) const
     const qsizetype i = lookUp(key, hashOf(key)).index;
     if (i < 0) return std::nullopt;
     const Span &s = m_spans.at(i);
-    return text(s.key + s.keySize, s.valueSize);
+    return text(s.value, s.valueSize);
 }
 
 void StringMap::insertAll(const StringMap &other)
@@ -85,11 +88,12 @@ void StringMap::insertAll(const StringMap &other)
     for (const Pair p : other) insert(p.first, p.second);
 }
 
-void StringMap::reserve(qsizetype pairs, qsizetype units)
+void StringMap::reserve(qsizetype pairs, qsizetype units, qsizetype keys)
 {
     m_spans.reserve(pairs);
     if (units > m_text.capacity()) m_text.reserve(units);
-    if (pairs * 2 > m_slots.size()) rehash(pairs);
+    if (keys < 0) keys = pairs;
+    if (keys * 2 > m_slots.size()) rehash(keys);
 }
 
 bool StringMap::operator==(const StringMap &o) const
@@ -110,9 +114,13 @@ bool StringMap::sameOrderAs(const StringMap &o) const
     return true;
 }
 
-StringMap::Span StringMap::append(QStringView key, QStringView value)
+StringMap::Span StringMap::place(QStringView key, QStringView value)
 {
-    const Span span{m_text.size(), key.size(), value.size()};
+    if (holds(key) && holds(value)) {
+        const QChar *base = m_text.constData();
+        return {key.data() - base, value.data() - base, quint32(key.size()), quint32(value.size())};
+    }
+    const Span span{m_text.size(), m_text.size() + key.size(), quint32(key.size()), quint32(value.size())};
     m_text.append(key);
     m_text.append(value);
     return span;

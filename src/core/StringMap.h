@@ -38,6 +38,10 @@ public:
     class Appender {
     public:
         explicit Appender(StringMap &map) : m_map(map) {}
+        // For a reader that unescapes words where they stand: the map takes `text` as its
+        // buffer and gives it back writable. A pair added whose texts lie in it is kept where it
+        // stands, not copied; the reader must not change text it has added since.
+        char16_t *adopt(QString &&text);
         void add(QStringView key, QStringView value);
         void finish();
 
@@ -61,8 +65,9 @@ public:
 
     // Every pair of `other` inserted in its order; its values win.
     void insertAll(const StringMap &other);
-    // Room for `pairs` pairs whose texts take `units` UTF-16 units in all.
-    void reserve(qsizetype pairs, qsizetype units = 0);
+    // Room for `pairs` pairs whose texts take `units` UTF-16 units in all, and an index for
+    // `keys` keys (as many as pairs when not given).
+    void reserve(qsizetype pairs, qsizetype units = 0, qsizetype keys = -1);
     // Gives back the room reserved and not used.
     void squeeze()
     {
@@ -75,7 +80,7 @@ public:
     Pair at(qsizetype i) const
     {
         const Span &s = m_spans.at(i);
-        return {text(s.key, s.keySize), text(s.key + s.keySize, s.valueSize)};
+        return {text(s.key, s.keySize), text(s.value, s.valueSize)};
     }
 
     class const_iterator {
@@ -109,11 +114,10 @@ public:
     bool sameOrderAs(const StringMap &o) const;
 
 private:
-    // Where a pair's texts lie in m_text: the key, and the value right after it. A new value
-    // is written with its key again, so a pair is always one run of text.
+    // Where a pair's texts lie in m_text.
     struct Span {
-        qsizetype key;
-        qsizetype keySize, valueSize;
+        qsizetype key, value;
+        quint32 keySize, valueSize;  // a word of 4 G units would take 8 GB
     };
     // The index is open addressing over one flat array: no node per key, and a slot keeps the
     // key's hash so that a probe compares texts only when the hashes agree. Slots never empty
@@ -139,7 +143,12 @@ private:
             if (slot.hash == hash && keyAt(slot.index) == key) return {s, slot.index};
         }
     }
-    Span append(QStringView key, QStringView value);
+    bool holds(QStringView s) const
+    {
+        return s.data() >= m_text.constData() && s.data() + s.size() <= m_text.constData() + m_text.size();
+    }
+    // The pair's place: where it stands when both texts lie in m_text, else copied to its end.
+    Span place(QStringView key, QStringView value);
     // Gives the pair at `i`, not yet in the index, its slot, or its value to the pair of the
     // same key before it (and removes it).
     void index(qsizetype i, quint32 hash);

@@ -37,18 +37,16 @@ int hexValue(char16_t c)
 const char16_t *findEither(const char16_t *p, const char16_t *end, char16_t a, char16_t b);
 
 // Reads the rest of a quoted word whose first backslash is at `backslash`, resolving escapes
-// into `out` (a buffer reused from word to word) as it goes, so an escaped word is scanned once.
+// into `out` as it goes, so an escaped word is scanned once. `out` has room for the rest of the
+// text, or is the word's own start: the word never grows, so writing never overtakes reading.
 // Returns the closing quote and the word's size in `size`, or `end` when the word is not closed.
-const char16_t *unescapeQuoted(const char16_t *p, const char16_t *backslash, const char16_t *const end, QString &out,
+const char16_t *unescapeQuoted(const char16_t *p, const char16_t *backslash, const char16_t *const end, char16_t *const w,
                                qsizetype *size)
 {
     qsizetype n = 0;
     for (const char16_t *next = backslash;; next = findEither(p, end, u'"', u'\\')) {
         if (next >= end) return end;
-        // The word never outgrows the text it comes from: room for the run and one unit.
-        if (out.size() < n + (next - p) + 1) out.resize(qMax(2 * out.size(), n + (next - p) + 64));
-        char16_t *w = reinterpret_cast<char16_t *>(out.data());
-        std::memcpy(w + n, p, size_t(next - p) * sizeof(char16_t));
+        if (w + n != p) std::memmove(w + n, p, size_t(next - p) * sizeof(char16_t));
         n += next - p;
         p = next;
         if (*p == u'"') {
@@ -113,13 +111,32 @@ qsizetype utf8Length(const char16_t *p, const char16_t *const end)
     return n;
 }
 
-// UTF-8 is decoded a block at a time, so the text in UTF-16 never needs room for the whole file.
-// Blocks end on a character boundary, so each decodes (and is checked) on its own. The bytes come
-// either all from memory or a block at a time from a file, so that reading a file once never
-// holds all of its bytes either.
+// Stateless, so a truncated character at the end is an error; a byte-order mark inside the
+// text stays a character.
+constexpr auto kUtf8Flags = QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom;
+
+// All of the bytes as UTF-16, or nothing when they are not UTF-8.
+std::optional<QString> decodeUtf8(QByteArrayView bytes)
+{
+    // Qt's plain conversion is a good deal faster than a decoder's and puts a replacement
+    // character for every malformed sequence, so a text without one came from valid UTF-8.
+    // Only a text with one (malformed, or a real U+FFFD) is decoded again to tell which.
+    // Unlike the decoder, it drops a byte-order mark at the start, which the grammar takes
+    // for white space anyway.
+    QString text = QString::fromUtf8(bytes);
+    const char16_t *const begin = reinterpret_cast<const char16_t *>(text.constData());
+    if (findEither(begin, begin + text.size(), 0xFFFD, 0xFFFD) == begin + text.size()) return text;
+    QStringDecoder decoder(QStringConverter::Utf8, kUtf8Flags);
+    text = decoder.decode(bytes);
+    if (decoder.hasError()) return std::nullopt;
+    return text;
+}
+
+// A file read once is decoded a block at a time as it is read, so neither its bytes nor its
+// text in UTF-16 are ever held whole. Blocks end on a character boundary, so each decodes (and
+// is checked) on its own.
 class Utf8Blocks {
 public:
-    explicit Utf8Blocks(QByteArrayView bytes) : m_all(bytes), m_rest(bytes) {}
     // `head`: the bytes already read from `device` (after any byte-order mark), which sits at
     // `headOffset` + head.size().
     Utf8Blocks(QIODevice *device, QByteArray head, qint64 headOffset)
@@ -131,10 +148,6 @@ public:
     // The line at `bytesBack` bytes before the end of what was decoded so far.
     qsizetype lineAt(qsizetype bytesBack) const
     {
-        if (!m_device) {
-            const QByteArrayView before = m_all.first(m_all.size() - m_rest.size() - bytesBack);
-            return 1 + std::count(before.begin(), before.end(), '\n');
-        }
         // Only when a file turns out broken: its start is read again to count the lines.
         qint64 left = m_headOffset + m_consumed - bytesBack;
         qsizetype lines = 1;
@@ -156,7 +169,7 @@ public:
     void decodeNext(QString &text)
     {
         qsizetype n = qMax(kBlock, text.size());
-        if (m_device) fill(n + 4);  // one more byte than a character takes, to see where it ends
+        fill(n + 4);  // one more byte than a character takes, to see where it ends
         n = qMin(n, m_rest.size());
         // Back up over continuation bytes (at most three) to the start of a character. Stray
         // continuation bytes stay where they are and make the decoder report an error.
@@ -193,7 +206,6 @@ private:
     }
 
     static constexpr qsizetype kBlock = 256 * 1024;
-    QByteArrayView m_all;
     QIODevice *m_device = nullptr;
     QByteArray m_buffer;  // read from the device: m_rest lies in it
     QByteArrayView m_rest;
@@ -201,32 +213,48 @@ private:
     qint64 m_consumed = 0;
     bool m_deviceAtEnd = false;
     bool m_readFailed = false;
-    // Stateless, so a truncated character at the end is an error; a byte-order mark inside the
-    // text stays a character.
-    QStringDecoder m_decoder{QStringConverter::Utf8,
-                             QStringConverter::Flag::Stateless | QStringConverter::Flag::ConvertInitialBom};
+    QStringDecoder m_decoder{QStringConverter::Utf8, kUtf8Flags};
 };
 
-// The grammar over UTF-16 text, either all of it at once or fed by a Utf8Blocks. Fed text is
-// parsed a pair at a time: a pair that breaks off at the end of the text read so far is parsed
-// again from its start once the next block is in (so no rule needs to know about blocks), and
-// the text before the pair is dropped. A real syntax error thus surfaces only when no block is
-// left, which also means invalid bytes anywhere in the file are reported before it.
+// The grammar over UTF-16 text, either all of it at once or fed by a Utf8Blocks.
+//
+// Text held whole becomes the map's own buffer: a word is kept where it stands, and an escaped
+// word is unescaped in place (it never grows, and it starts where its quoted form starts, so no
+// text not yet read and no word already kept is touched). Nothing is copied word by word.
+//
+// Fed text is parsed a pair at a time: a pair that breaks off at the end of the text read so far
+// is parsed again from its start once the next block is in (so no rule needs to know about
+// blocks), and the text before the pair is dropped; the map copies each pair. A real syntax
+// error thus surfaces only when no block is left, which also means invalid bytes anywhere in
+// the file are reported before it.
 class Parser {
 public:
-    explicit Parser(QStringView text) : m_end(end(text)), p(begin(text)), m_begin(p) {}
+    // `source`: the text as it came, for telling the line of an error (the copy read is
+    // unescaped as it goes); or `bytes`, the UTF-8 it was decoded from.
+    Parser(QString &&text, QStringView source, QByteArrayView bytes = {})
+        : m_text(std::move(text)), m_source(source), m_sourceBytes(bytes), m_linesInBytes(source.isNull())
+    {
+    }
     Parser(Utf8Blocks *blocks, qsizetype bytes) : m_blocks(blocks), m_bytes(bytes) { refill(0); }
 
     std::optional<StringMap> run(Error *error)
     {
         StringMap map;
-        // Real tables spend 40 bytes or more on a pair: reserving that many spares the index
-        // most of its rehashing, and costs no pass over the text.
-        // Every unit of a word comes from at least one byte (or unit) of the table, so the
-        // table's size is room enough for all of them; the pages never written are never used.
-        const qsizetype size = m_bytes ? m_bytes : m_end - m_begin;
-        map.reserve(qMin<qsizetype>(size / 40, 1 << 20), size);
         StringMap::Appender out(map);
+        // Real tables spend 40 to 100 bytes on a pair. Room for one pair in 40 bytes costs only
+        // the pages written; an index for one in 80 spares it most of its rehashing (one too
+        // large costs a cache miss more per key). Neither costs a pass over the text.
+        qsizetype size = m_bytes;
+        if (!m_blocks) {
+            size = m_text.size();
+            char16_t *const text = out.adopt(std::move(m_text));
+            m_writable = text;
+            m_begin = p = text;
+            m_end = text + size;
+        }
+        // Fed text: every unit of a word comes from at least one byte of the file, so its size is
+        // room enough for all the words; the pages never written are never used.
+        map.reserve(qMin<qsizetype>(size / 40, 1 << 21), m_blocks ? size : 0, qMin<qsizetype>(size / 80, 1 << 20));
         for (;;) {
             const char16_t *const start = p;
             const Step step = pair(out);
@@ -238,7 +266,7 @@ public:
             }
             if (step == Step::End) {
                 out.finish();
-                map.squeeze();
+                if (m_blocks) map.squeeze();
                 return map;
             }
             return fail(error, m_message);
@@ -259,13 +287,16 @@ private:
 
     Utf8Blocks *m_blocks = nullptr;
     qsizetype m_bytes = 0;
-    QString m_text;  // fed text from the start of the pair being read
+    QString m_text;  // fed text from the start of the pair being read, or all of it until run()
+    QStringView m_source;
+    QByteArrayView m_sourceBytes;
+    bool m_linesInBytes = false;
+    char16_t *m_writable = nullptr;  // the text held whole, in the map's buffer
     const char16_t *m_end = nullptr;
     const char16_t *p = nullptr;
     const char16_t *m_begin = nullptr;
     QString m_message;
-    // A word is a view into the text, or into its scratch buffer when it had to be unescaped;
-    // the map copies both into its own buffer.
+    // A word is a view into the text; fed text unescapes into a scratch buffer instead.
     QStringView m_key, m_value;
     QString m_keyScratch, m_valueScratch;
 
@@ -308,9 +339,19 @@ private:
     std::optional<StringMap> fail(Error *error, const QString &message)
     {
         if (error) {
-            // Fed text before the pair was dropped: the line is counted in the bytes instead.
+            // Fed text before the pair was dropped, and text held whole was unescaped (a \\n
+            // became a line feed): the line is counted in the text as it came. The text from
+            // the error on is as it came, so its length in bytes tells where the error is.
             const char16_t *at = std::min(p, m_end);
-            error->line = m_blocks ? m_blocks->lineAt(utf8Length(at, m_end)) : 1 + std::count(m_begin, at, u'\n');
+            if (m_blocks) {
+                error->line = m_blocks->lineAt(utf8Length(at, m_end));
+            } else if (!m_linesInBytes) {
+                const QStringView before = m_source.first(at - m_begin);
+                error->line = 1 + std::count(before.begin(), before.end(), u'\n');
+            } else {
+                const QByteArrayView before = m_sourceBytes.first(m_sourceBytes.size() - utf8Length(at, m_end));
+                error->line = 1 + std::count(before.begin(), before.end(), '\n');
+            }
             error->message = message;
         }
         return std::nullopt;
@@ -368,9 +409,13 @@ private:
         if (p < m_end && *p == u'"') {
             out = QStringView(start, p - start);
         } else if (p < m_end) {
+            // In place in text held whole; fed text is short (a block or two), and the word is
+            // never longer than the rest of it.
+            if (!m_writable && scratch.size() < m_end - start) scratch.resize(m_end - start);
+            char16_t *const to = m_writable ? m_writable + (start - m_begin) : reinterpret_cast<char16_t *>(scratch.data());
             qsizetype size = 0;
-            p = unescapeQuoted(start, p, m_end, scratch, &size);
-            out = QStringView(scratch.constData(), size);
+            p = unescapeQuoted(start, p, m_end, to, &size);
+            out = QStringView(to, size);
         }
         if (p >= m_end) {
             p = m_end;
@@ -406,44 +451,59 @@ std::optional<StringMap> fromPropertyList(const QByteArray &data, Error *error)
 
 std::optional<StringMap> parse(QStringView text, Error *error)
 {
-    return Parser(text).run(error);
+    return Parser(text.toString(), text).run(error);
 }
+
+namespace {
+
+// What a table is, by its first bytes. `Blank`: nothing but white space in what was looked at.
+enum class Form { BinaryList, Utf16, Xml, Braced, Plain, Blank };
+
+// Bytes of a UTF-8 byte-order mark at the start, if any.
+qsizetype utf8Mark(QByteArrayView bytes)
+{
+    return bytes.startsWith("\xEF\xBB\xBF") ? 3 : 0;
+}
+
+Form formOf(QByteArrayView head)
+{
+    if (head.startsWith("bplist00")) return Form::BinaryList;
+    if (head.startsWith("\xFE\xFF") || head.startsWith("\xFF\xFE")) return Form::Utf16;
+    const QByteArrayView body = head.sliced(utf8Mark(head));
+    if (looksLikeXml(body.first(qMin<qsizetype>(64, body.size())))) return Form::Xml;
+    qsizetype first = 0;
+    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
+    if (first == body.size()) return Form::Blank;
+    return body[first] == '{' ? Form::Braced : Form::Plain;
+}
+
+std::optional<StringMap> parseUtf16(const QByteArray &data, Error *error)
+{
+    QStringDecoder decoder(data.startsWith("\xFE\xFF") ? QStringConverter::Utf16BE : QStringConverter::Utf16LE,
+                           QStringConverter::Flag::Stateless);
+    const QString text = decoder.decode(QByteArrayView(data).sliced(2));
+    if (decoder.hasError()) {
+        if (error) *error = {0, QStringLiteral("the UTF-16 text is damaged")};
+        return std::nullopt;
+    }
+    if (looksLikeXml(text.left(64).toUtf8())) return fromPropertyList(data, error);
+    // A braced table is the old-style property-list form of the same map.
+    if (QStringView(text).trimmed().startsWith(u'{')) return fromPropertyList(text.toUtf8(), error);
+    return Parser(QString(text), text).run(error);  // the copy is unescaped, the text kept for lines
+}
+
+}  // namespace
 
 std::optional<StringMap> parseData(const QByteArray &data, Error *error)
 {
-    if (data.startsWith("bplist00")) return fromPropertyList(data, error);
-    if (data.startsWith("\xFE\xFF") || data.startsWith("\xFF\xFE")) {
-        QStringDecoder decoder(data.startsWith("\xFE\xFF") ? QStringConverter::Utf16BE : QStringConverter::Utf16LE,
-                               QStringConverter::Flag::Stateless);
-        const QString text = decoder.decode(QByteArrayView(data).sliced(2));
-        if (decoder.hasError()) {
-            if (error) *error = {0, QStringLiteral("the UTF-16 text is damaged")};
-            return std::nullopt;
-        }
-        if (looksLikeXml(text.left(64).toUtf8())) return fromPropertyList(data, error);
-        // A braced table is the old-style property-list form of the same map.
-        if (QStringView(text).trimmed().startsWith(u'{')) return fromPropertyList(text.toUtf8(), error);
-        return parse(text, error);
-    }
-    const QByteArrayView body = QByteArrayView(data).sliced(data.startsWith("\xEF\xBB\xBF") ? 3 : 0);
-    if (looksLikeXml(body.first(qMin<qsizetype>(64, body.size())))) return fromPropertyList(data, error);
-    qsizetype first = 0;
-    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
-    if (first < body.size() && body[first] == '{') {
-        Utf8Blocks check(body);
-        QString ignored;
-        while (!check.atEnd() && !check.hasError()) {
-            check.decodeNext(ignored);
-            ignored.clear();
-        }
-        if (check.hasError()) return Parser::encodingError(error);
-        return fromPropertyList(body.toByteArray(), error);
-    }
-    Utf8Blocks blocks(body);
-    if (blocks.atEnd()) return StringMap();
-    Parser parser(&blocks, body.size());
-    if (blocks.hasError()) return Parser::encodingError(error);
-    return parser.run(error);
+    const Form form = formOf(data);
+    if (form == Form::BinaryList || form == Form::Xml) return fromPropertyList(data, error);
+    if (form == Form::Utf16) return parseUtf16(data, error);
+    const QByteArrayView body = QByteArrayView(data).sliced(utf8Mark(data));
+    std::optional<QString> text = decodeUtf8(body);
+    if (!text) return Parser::encodingError(error);
+    if (form == Form::Braced) return fromPropertyList(body.toByteArray(), error);
+    return Parser(std::move(*text), QStringView(), body).run(error);
 }
 
 std::optional<StringMap> readFile(const QString &path, Error *error)
@@ -455,15 +515,9 @@ std::optional<StringMap> readFile(const QString &path, Error *error)
     }
     // The start tells the form. Only a plain UTF-8 table is read as it streams in; every other
     // form goes through parseData whole, exactly as a read of all the bytes would.
-    constexpr qint64 kHead = 64 * 1024;
-    QByteArray head = file.read(kHead);
-    const qsizetype bom = head.startsWith("\xEF\xBB\xBF") ? 3 : 0;
-    const QByteArrayView body = QByteArrayView(head).sliced(bom);
-    qsizetype first = 0;
-    while (first < body.size() && QChar::isSpace(uchar(body[first]))) ++first;
-    const bool plainUtf8 = !head.startsWith("bplist00") && !head.startsWith("\xFE\xFF") && !head.startsWith("\xFF\xFE")
-        && !looksLikeXml(body.first(qMin<qsizetype>(64, body.size()))) && first < body.size() && body[first] != '{';
-    if (!plainUtf8) return parseData(head + file.readAll(), error);
+    QByteArray head = file.read(64 * 1024);
+    if (formOf(head) != Form::Plain) return parseData(head + file.readAll(), error);
+    const qsizetype bom = utf8Mark(head);
     head.remove(0, bom);
     Utf8Blocks blocks(&file, std::move(head), bom);
     Parser parser(&blocks, qsizetype(qMax<qint64>(file.size() - bom, 0)));
