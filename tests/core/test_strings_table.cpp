@@ -98,10 +98,16 @@ private slots:
 
     void errorsSayWhere()
     {
-        StringsTable::Error error;
-        QVERIFY(!StringsTable::parse(S("\"a\" = \"1\";\n\n\"b\" = \"2\"\n"), &error));
-        QCOMPARE(error.line, 4);
-        QVERIFY(error.message.contains(S(";")));
+        // Lines are those of the table as written, not of its words unescaped (\n is no line).
+        const QString text = S("\"a\" = \"1\\n2\";\n\n\"b\" = \"2\"\n");
+        StringsTable::Error fromText, fromUtf8, fromUtf16;
+        StringsTable::parse(text, &fromText);
+        StringsTable::parseData(text.toUtf8(), &fromUtf8);
+        StringsTable::parseData(TestSupport::utf16le(text), &fromUtf16);
+        for (const StringsTable::Error &error : {fromText, fromUtf8, fromUtf16}) {
+            QCOMPARE(error.line, 4);
+            QVERIFY(error.message.contains(S(";")));
+        }
     }
 
     void encodings()
