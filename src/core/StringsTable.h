@@ -19,18 +19,18 @@ struct Error {
 std::optional<StringMap> parse(QStringView text, Error *error = nullptr);
 
 // Bytes as they come from a file: UTF-16 by byte-order mark, otherwise UTF-8 (a UTF-8 mark is
-// skipped). Property lists whose root is a dictionary of strings (XML, binary, or the braced
+// skipped). The map's buffer is the decoded text itself. Property lists whose root is a dictionary of strings (XML, binary, or the braced
 // text form) are read as their map too: built applications carry string tables in binary form.
 std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullptr);
 
-// parseData for the bytes of the file at `path`. Large tables are kept in memory with the bytes
-// they came from (a few files), so a dictionary consulted for every file of a bundle is parsed
-// once; comparing the bytes makes a stale answer impossible.
 // A file read once, as the command line does: a plain UTF-8 table is decoded and parsed as it
 // is read, so neither its bytes nor its text are ever held whole; other forms as parseData.
 // Not kept for later reads.
 std::optional<StringMap> readFile(const QString &path, Error *error = nullptr);
 
+// parseData for the bytes of the file at `path`. Large tables are kept in memory with the bytes
+// they came from (a few files), so a dictionary consulted for every file of a bundle is parsed
+// once; comparing the bytes makes a stale answer impossible.
 std::optional<StringMap> parseFileData(const QString &path, const QByteArray &data, Error *error = nullptr);
 
 // While one of these lives (adding a bundle, say), a large table read once is not read again:
