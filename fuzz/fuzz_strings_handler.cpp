@@ -2,50 +2,25 @@
 // handler it hands them to) on arbitrary base files, with the same bytes as previous version:
 // no crash, no sanitizer report, no hang; every entry keeps the shape entries rely on, and the
 // escaping of property-list words reads back what it wrote.
-#include "Handlers.h"
+#include "HandlerFolder.h"
 #include "LocFile.h"
 #include "PlistWordEscaping.h"
-#include "Settings.h"
 #include "StringsHandler.h"
 #include "StringsLayout.h"
 #include "TextFile.h"
 
-#include <QDir>
 #include <QFile>
 #include <QStringDecoder>
-#include <QTemporaryDir>
 #include <cstddef>
 #include <cstdint>
-
-namespace {
-
-QTemporaryDir &folder()
-{
-    static QTemporaryDir dir;
-    static const bool ready = [] {
-        Settings::useStore(dir.filePath(QStringLiteral("settings.ini")));
-        registerResourceHandlers();
-        return QDir().mkpath(dir.filePath(QStringLiteral("out")));
-    }();
-    (void)ready;
-    return dir;
-}
-
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    QTemporaryDir &dir = folder();
+    QTemporaryDir &dir = fuzzing::handlerFolder();
     const QString base = dir.filePath(QStringLiteral("Localizable.strings"));
     const QString previous = dir.filePath(QStringLiteral("previous.strings"));
-    if (!write(base, bytes) || !write(previous, bytes)) return 0;
+    if (!fuzzing::writeFile(base, bytes) || !fuzzing::writeFile(previous, bytes)) return 0;
 
     const LocFilePtr file = LocFile::initWithPath(base, OptString(), OptString(previous));
     if (!file) __builtin_trap();

@@ -1,36 +1,15 @@
 // The .stringsdict handler on arbitrary bytes, the same bytes as previous version: no crash, no
 // sanitizer report, no hang; every entry has a place and a text, and an export reads back with
 // the same places in the same order.
-#include "Handlers.h"
+#include "HandlerFolder.h"
 #include "LocFile.h"
-#include "Settings.h"
 #include "StringsdictHandler.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <cstddef>
 #include <cstdint>
 
 namespace {
-
-QTemporaryDir &folder()
-{
-    static QTemporaryDir dir;
-    static const bool ready = [] {
-        Settings::useStore(dir.filePath(QStringLiteral("settings.ini")));
-        registerResourceHandlers();
-        return QDir().mkpath(dir.filePath(QStringLiteral("out")));
-    }();
-    (void)ready;
-    return dir;
-}
-
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
-}
 
 QByteArray read(const QString &path)
 {
@@ -43,10 +22,10 @@ QByteArray read(const QString &path)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char *>(data), qsizetype(size));
-    QTemporaryDir &dir = folder();
+    QTemporaryDir &dir = fuzzing::handlerFolder();
     const QString base = dir.filePath(QStringLiteral("Localizable.stringsdict"));
     const QString previous = dir.filePath(QStringLiteral("previous.stringsdict"));
-    if (!write(base, bytes) || !write(previous, bytes)) return 0;
+    if (!fuzzing::writeFile(base, bytes) || !fuzzing::writeFile(previous, bytes)) return 0;
 
     const LocFilePtr file = LocFile::initWithPath(base, OptString(), OptString(previous));
     if (!file) __builtin_trap();
