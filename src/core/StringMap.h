@@ -27,7 +27,6 @@ public:
 
     // Sets the value; a key already present keeps its place.
     void insert(QStringView key, QStringView value);
-    static quint32 hashOf(QStringView key);
 
     // Fills a map the way a reader does, a pair after another, faster than insert: a large map's
     // index is far bigger than the cache, so looking a key up there waits on memory. An Appender
@@ -114,6 +113,7 @@ public:
     bool sameOrderAs(const StringMap &o) const;
 
 private:
+    static quint32 hashOf(QStringView key);
     // Where a pair's texts lie in m_text.
     struct Span {
         qsizetype key, value;

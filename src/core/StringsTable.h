@@ -19,8 +19,9 @@ struct Error {
 std::optional<StringMap> parse(QStringView text, Error *error = nullptr);
 
 // Bytes as they come from a file: UTF-16 by byte-order mark, otherwise UTF-8 (a UTF-8 mark is
-// skipped). The map's buffer is the decoded text itself. Property lists whose root is a dictionary of strings (XML, binary, or the braced
-// text form) are read as their map too: built applications carry string tables in binary form.
+// skipped); the map's buffer is the decoded text itself. Property lists whose root is a
+// dictionary of strings (XML, binary, or the braced text form) are read as their map too: built
+// applications carry string tables in binary form.
 std::optional<StringMap> parseData(const QByteArray &data, Error *error = nullptr);
 
 // A file read once, as the command line does: a plain UTF-8 table is decoded and parsed as it
